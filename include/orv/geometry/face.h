@@ -1,0 +1,36 @@
+/// @file
+/// Triangles as three vertex indices.
+#pragma once
+
+#include <orv/core/api.h>
+
+namespace orv {
+
+/// Triangle with 16-bit vertex indices.
+class ORV_API FaceU16 {
+ public:
+  FaceU16() = default;
+  FaceU16(unsigned short index_a, unsigned short index_b, unsigned short index_c)
+      : a(index_a), b(index_b), c(index_c) {}
+
+  unsigned short a = 0;
+  unsigned short b = 0;
+  unsigned short c = 0;
+};
+
+/// Triangle with 32-bit vertex indices.
+class ORV_API FaceU32 {
+ public:
+  FaceU32() = default;
+  FaceU32(unsigned int index_a, unsigned int index_b, unsigned int index_c)
+      : a(index_a), b(index_b), c(index_c) {}
+
+  unsigned int a = 0;
+  unsigned int b = 0;
+  unsigned int c = 0;
+};
+
+static_assert(sizeof(FaceU16) == 6, "an index buffer is a straight copy of the faces");
+static_assert(sizeof(FaceU32) == 12, "an index buffer is a straight copy of the faces");
+
+}  // namespace orv

@@ -1,0 +1,229 @@
+/// @file
+/// The renderable triangle object.
+#pragma once
+
+#include <orv/core/api.h>
+#include <orv/fwd.h>
+#include <orv/geometry/geometry_core_alloc_params.h>
+#include <orv/geometry/geometry_enums.h>
+#include <orv/geometry/mesh_data.h>
+#include <orv/scene/object.h>
+
+namespace orv {
+
+struct MeshUserGeometry;
+
+/// An Object drawn from a MeshData, which several meshes may share by reference count.
+///
+/// Without data, as after `Mesh(format)` with a format other than VERTEX_FORMAT_DEFAULT, every
+/// operation answers false, 0, null or a default value. A null Renderer never crashes.
+///
+/// A `node` argument is handed on to the Object operation of the same name: null means this mesh
+/// alone, a node its Object children too.
+class ORV_API Mesh : public Object {
+ public:
+  Mesh();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
+  explicit Mesh(VERTEX_FORMAT format);
+  /// Releases the data without a renderer: GPU objects of data that nobody else uses are leaked
+  /// unless cleanup_mesh_data or kill ran before.
+  ~Mesh() override;
+  /// A new node that shares the data; user geometry is copied.
+  Mesh(const Mesh& other);
+  Mesh& operator=(const Mesh& other);
+
+  // ---- data ----
+
+  /// Attaches `data` and counts a reference on it. The data held before loses one and, when it was
+  /// the last, is deleted, its GPU objects with it if there is a renderer. True; also when `data`
+  /// is attached already.
+  bool _set_mesh_data(Renderer* renderer, MeshData* data);
+  /// Shares the data of `other`. False for null.
+  bool share_mesh_data(Renderer* renderer, Mesh* other);
+  /// Attaches new data, or none for a format other than VERTEX_FORMAT_DEFAULT. True.
+  bool init_mesh_data(Renderer* renderer, VERTEX_FORMAT format);
+  /// Lets go of the data. True.
+  bool cleanup_mesh_data(Renderer* renderer);
+  /// Destroys the GPU objects (`clear_gpu`, needs a renderer) and frees the arrays (`clear_cpu`);
+  /// the data itself stays attached. With the arrays freed alone, drawing goes on from the GPU
+  /// copy. True.
+  bool clear_cpu_gpu_data(Renderer* renderer, bool clear_cpu, bool clear_gpu);
+  /// The data, null for none. Borrowed.
+  MeshData* get_data() const { return mesh_data_; }
+  MeshData* get_mesh_data() const { return mesh_data_; }
+  /// Frees vertices, faces, quad edges and subsets; the MeshData stays. Nothing is drawn then.
+  bool free_mesh_data();
+  /// Frees the storage of attribute array `array`. False without it.
+  bool free_vertex_attrib_array(unsigned int array);
+
+  bool set_vertex_alloc_params(const MeshDataVertexAttribsAllocParams& params);
+  MeshDataVertexAttribsAllocParams get_vertex_alloc_params() const;
+  void set_vertex_alloc_params_num_vertices(unsigned int n);
+  void set_vertex_alloc_params_num_user_attribs(unsigned int n);
+  /// Allocates what the alloc params say. False, with an error in the log, for 0 vertices or too
+  /// little memory.
+  bool alloc_vertex_data();
+  /// As GeometryCore::alloc_face_data; a failure is logged with the mesh's name.
+  bool alloc_face_data(unsigned int count, bool force_32);
+  bool alloc_face_data_v2(unsigned int count, MESH_FACE_TRIANGLE_TYPE type);
+  /// Draws the vertices `start` to `end` - 1 when there are no faces.
+  void set_draw_start_end_vertex(int start, int end);
+
+  // ---- life and drawing ----
+
+  bool _cleanup(Renderer* renderer) override;
+  /// Builds gathered user geometry when the mesh is dirty, then bounds. False when that fails.
+  bool _build() override;
+  /// Binds the material of the current subset, else the first one, and draws the geometry with it.
+  void _render(Renderer* renderer) override;
+  /// Id of the renderer that allocated the vertex buffer.
+  int get_renderer_id() override;
+  void render_geometry(Renderer* renderer) override;
+  void render_geometry_prepare(Renderer* renderer) override;
+  void render_geometry_draw(Renderer* renderer) override;
+  void render_geometry_finish(Renderer* renderer) override;
+  /// Draws as patches.
+  void set_tessellation_state(bool state, Node* node) override;
+  void set_render_wireframe_quad_state(bool state);
+  bool get_render_wireframe_quad_state() const;
+
+  // ---- material subsets ----
+
+  /// Gives the faces to the material. False for a null material or a face out of range.
+  bool set_face_material(Material* material, unsigned int face);
+  bool set_material_to_all_faces(Material* material);
+  /// Makes one subset per material of the object, spanning its first to its last face. A material
+  /// on fewer than two faces gets an empty subset, which draws nothing. False without data.
+  bool init_subsets();
+  unsigned int get_num_subsets() const;
+  /// Draw, or run the geometry steps, for subset `i` alone. False for an index out of range.
+  bool render_subset(Renderer* renderer, unsigned int i);
+  bool render_subset_geometry(Renderer* renderer, unsigned int i);
+  bool render_subset_geometry_draw(Renderer* renderer, unsigned int i);
+
+  // ---- buffers ----
+
+  unsigned int get_vertex_buffer_opengl_id() const;
+  unsigned int get_index_buffer_opengl_id() const;
+  /// Maps the vertex buffer for writing; null without a renderer.
+  Vertex* map_vertex_buffer(Renderer* renderer);
+  /// The same for separate arrays; null unless the data has these.
+  vec4* map_vertex_buffer_vec4(Renderer* renderer);
+  bool unmap_vertex_buffer(Renderer* renderer);
+  /// Address of the last mapping, null while unmapped.
+  void* get_map_vertex_buffer() const;
+
+  // ---- vertices ----
+
+  unsigned int get_num_vertices(Node* node) override;
+  unsigned int get_num_faces(Node* node) override;
+  Vertex* get_vertex(unsigned int i) override;
+  Vertex get_vertex_v2(unsigned int i) override;
+
+  bool set_vertex_position(unsigned int i, const vec4& v);
+  /// x, y, z and w 1.
+  vec4 get_vertex_position(unsigned int i) const;
+  /// Changes w alone.
+  bool set_vertex_position_w(unsigned int i, float w);
+  /// The position under the absolute transform. False for null or out of range.
+  bool get_vertex_absolute_position(unsigned int i, vec4* out);
+  /// Stores w 1.
+  bool set_vertex_normal(unsigned int i, const vec4& v);
+  /// The normal with w 0.
+  vec4 get_vertex_normal(unsigned int i) const;
+  bool set_vertex_tangent(unsigned int i, const vec4& v);
+  vec4 get_vertex_tangent(unsigned int i) const;
+  bool set_vertex_color(unsigned int i, const vec4& v);
+  vec4 get_vertex_color(unsigned int i) const;
+  /// Layer 0 is uv0, layer 1 uv1; another layer does nothing.
+  void set_vertex_uv(unsigned int i, const vec4& uv, int layer);
+  /// Layer 1 is uv1, any other uv0.
+  vec4 get_vertex_uv(unsigned int i, int layer) const;
+  void set_vertex_attrib_element(unsigned int array, unsigned int i, const vec4& v);
+  vec4 get_vertex_attrib_element(unsigned int array, unsigned int i) const;
+  /// Copies vec4s into the named attribute, as GeometryCore::update_position_buffer and its kin.
+  /// False for an unknown attribute.
+  bool update_vertex_attrib_buffer(VERTEX_ATTRIB_TYPE type, const void* data);
+  bool update_vertex_attrib_sub_buffer(VERTEX_ATTRIB_TYPE type, const void* data,
+                                       unsigned int start, unsigned int count);
+
+  // ---- faces ----
+
+  /// Ignored for a generic index list and for a face out of range. 16-bit faces truncate.
+  void set_face_indexes(unsigned int face, unsigned int a, unsigned int b, unsigned int c);
+  /// Each pointer may be null; nothing is written where set_face_indexes would do nothing.
+  void get_face_indexes(unsigned int face, unsigned int* a, unsigned int* b, unsigned int* c) const;
+
+  // ---- normals ----
+
+  /// Flat normals. Without faces the vertices are taken as a triangle list and get faces. False for
+  /// a generic index list and for a vertex count that makes no triangles.
+  bool compute_faces_normal(Node* node) override;
+  /// Each vertex gets the average of the stored normals of its faces: compute_faces_normal comes
+  /// first. False for a generic index list and without vertices or faces.
+  bool compute_vertices_normal(Node* node) override;
+  /// Vertices within `eps` on all three axes get their average normal.
+  bool average_vertices_normal(float eps, Node* node) override;
+  void flip_faces(Node* node) override;
+  void flip_vertex_normals(Node* node) override;
+
+  // ---- all vertices at once ----
+  //
+  // A mesh without vertices stops the first three at once, before its children.
+
+  using Object::rotate_vertices_position;
+  using Object::set_vertices_color;
+  using Object::translate_vertices_position;
+  void translate_vertices_position(const vec4& v, Node* node) override;
+  void translate_vertices_position(const vec3& v, Node* node) override;
+  void scale_vertices_position(const vec4& v, Node* node) override;
+  void rotate_vertices_position(const quat& q, Node* node) override;
+  /// Angles in degrees.
+  void rotate_vertices_position(float x, float y, float z, Node* node) override;
+  void set_vertices_color(float r, float g, float b, float a, Node* node) override;
+  void set_vertices_color(const vec4& color, Node* node) override;
+
+  bool bounding_volume_compute(Node* node) override;
+  bool update_bounding_sphere(Node* node) override;
+
+  // ---- geometry from elsewhere ----
+
+  /// Replaces the geometry by that of `src`; attributes in separate arrays are not carried over
+  /// (see GeometryCore::copy_vertex_data). False for null and for a source without vertices or
+  /// faces.
+  bool copy_geometry(Mesh* src);
+  /// Positions and normals become a * (1 - t) + b * t, t clamped to 0..1. False for null and for
+  /// differing vertex counts.
+  bool do_linear_tweening(Mesh* a, Mesh* b, float t);
+  /// Appends the geometry as C source text to a file. False when it can't be opened.
+  bool export_to_c(const char* path);
+  /// Replaces the geometry by cubes over a grid of voxels of the given sizes: those that the
+  /// surface touches, `precision` being the slack of that test. False, with the geometry kept, for
+  /// sizes of 0 or less, for more than 2^24 voxels, and without vertices or faces.
+  bool voxelize(float dx, float dy, float dz, float precision);
+
+  // ---- user geometry: gathered one by one, made into the geometry by the next build ----
+
+  /// Adds a white vertex and returns its index.
+  unsigned int user_geometry_add_vertex(const vec4& position);
+  /// False when there is no such vertex.
+  bool user_geometry_set_vertex_position(unsigned int i, const vec4& v);
+  bool user_geometry_set_vertex_color(unsigned int i, const vec4& v);
+  bool user_geometry_set_vertex_normal(unsigned int i, const vec4& v);
+  bool user_geometry_set_vertex_uv0(unsigned int i, const vec4& v);
+  bool user_geometry_add_face32(unsigned int a, unsigned int b, unsigned int c);
+  /// Drops what was gathered. False when there is nothing.
+  bool user_geometry_cleanup();
+  /// Replaces all geometry by what was gathered and drops that. False without both vertices and
+  /// faces.
+  bool _user_geometry_build();
+
+ private:
+  bool render_with_subset(Renderer* renderer, unsigned int i, void (Object::*step)(Renderer*));
+  bool set_user_vertex_field(unsigned int i, vec4 Vertex::*field, const vec4& v);
+
+  MeshData* mesh_data_ = nullptr;
+  MeshUserGeometry* user_geometry_ = nullptr;
+};
+
+}  // namespace orv

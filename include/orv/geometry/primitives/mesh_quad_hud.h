@@ -1,0 +1,29 @@
+/// @file
+/// Unit square for overlays.
+#pragma once
+
+#include <orv/core/api.h>
+#include <orv/geometry/mesh.h>
+
+namespace orv {
+
+/// Square from (0, 0) to (1, 1) whose texture coordinates equal its positions.
+class ORV_API MeshQuadHud : public Mesh {
+ public:
+  MeshQuadHud();
+  explicit MeshQuadHud(VERTEX_FORMAT format);
+  MeshQuadHud(const MeshQuadHud&) = default;
+  MeshQuadHud& operator=(const MeshQuadHud&) = default;
+
+  /// Marks the square for the next build. True.
+  bool set_build_params();
+
+  /// Builds this square alone, not its children.
+  bool build(Node* node) override;
+  bool _build() override;
+
+ private:
+  bool _build_quad_hud();
+};
+
+}  // namespace orv

@@ -1,0 +1,36 @@
+/// @file
+/// Torus.
+#pragma once
+
+#include <orv/core/api.h>
+#include <orv/geometry/mesh.h>
+
+namespace orv {
+
+/// Torus around the Y axis; `radius` reaches to its outer edge. Built by the next build after a
+/// change of its parameters.
+class ORV_API MeshTorus : public Mesh {
+ public:
+  MeshTorus();
+  explicit MeshTorus(VERTEX_FORMAT format);
+  MeshTorus(const MeshTorus&) = default;
+  MeshTorus& operator=(const MeshTorus&) = default;
+
+  /// `slices` both along and across the ring, taken as they are. True.
+  bool set_build_params(float radius, float tube_radius, int slices);
+  float get_radius() const { return radius_; }
+  float get_tube_radius() const { return tube_radius_; }
+  int get_slices() const { return slices_; }
+
+  /// False for negative slices.
+  bool _build() override;
+
+ private:
+  bool _build_torus();
+
+  float radius_ = 5.0f;
+  float tube_radius_ = 2.0f;
+  int slices_ = 20;
+};
+
+}  // namespace orv
