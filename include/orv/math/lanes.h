@@ -1,0 +1,27 @@
+/// @file
+/// Four floats handled as one: what the matrix products are made of.
+///
+/// Each lane gives the same bits as the scalar formula written in the same order.
+#pragma once
+
+namespace orv {
+namespace lanes {
+
+/// Four single-precision lanes, in a vector register.
+using float4 = float __attribute__((vector_size(16)));
+
+/// Reads four floats; `p` needs no alignment.
+inline float4 load(const float* p) {
+  float4 v;
+  __builtin_memcpy(&v, p, sizeof(v));
+  return v;
+}
+
+/// Writes four floats; `p` needs no alignment.
+inline void store(float* p, float4 v) { __builtin_memcpy(p, &v, sizeof(v)); }
+
+/// The same value in all four lanes.
+inline float4 splat(float s) { return float4{s, s, s, s}; }
+
+}  // namespace lanes
+}  // namespace orv
