@@ -1,0 +1,14 @@
+#include <orv/scene/viewport.h>
+
+namespace orv {
+
+Viewport::~Viewport() = default;
+
+void Viewport::set(int new_x, int new_y, int new_width, int new_height) {
+  x = new_x;
+  y = new_y;
+  width = new_width;
+  height = new_height;
+}
+
+}  // namespace orv
