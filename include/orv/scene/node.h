@@ -198,8 +198,9 @@ class ORV_API Node {
   void set_type(NODE_TYPE type);
 
  private:
-  void unlink();
   bool stands_below(const Node* other) const;
+
+  friend struct NodeData;
 
   int id_;
   NodeData* data_;
