@@ -1,0 +1,47 @@
+/// @file
+/// A viewport, a camera, a scene and what draws them, tied together.
+#pragma once
+
+#include <orv/core/api.h>
+#include <orv/fwd.h>
+
+namespace orv {
+
+struct WindowData;
+
+/// Convenience for hosts: remembers what belongs together in a view and draws it with one call.
+/// Everything handed in is borrowed, and null at first.
+class ORV_API Window {
+ public:
+  Window();
+  virtual ~Window();
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+
+  void set_layer(int layer);
+  int get_layer() const;
+  void set_camera(Camera* camera);
+  Camera* get_camera() const;
+  /// Viewport given to the camera by render, in pixels.
+  void set_viewport(int x, int y, int width, int height);
+  void set_renderer(Renderer* renderer);
+  Renderer* get_renderer() const;
+  void set_render_window(RenderWindow* render_window);
+  RenderWindow* get_render_window() const;
+  /// Node from which the scene is drawn.
+  void set_start_node(Node* node);
+  Node* get_start_node() const;
+  void set_scene(Scene* scene);
+  Scene* get_scene() const;
+  void set_scene_renderer(SceneRenderer* scene_renderer);
+  SceneRenderer* get_scene_renderer() const;
+
+  /// Writes the viewport into the camera and has the scene renderer draw the scene. What is missing
+  /// is left out. Always true.
+  bool render();
+
+ private:
+  WindowData* data_;
+};
+
+}  // namespace orv
