@@ -34,6 +34,7 @@ struct ORV_API GeometryGpuState {
   unsigned int vao_id = 0;                ///< vertex array object, 0 for none
   unsigned int vao_source_id = 0;         ///< vertex buffer the object was recorded with
   unsigned int vao_serial = 0;            ///< layout serial it was recorded for
+  unsigned int vao_context_id = 0;        ///< number of the context that the object belongs to
   unsigned int uploaded_vertex_size = 0;  ///< bytes the vertex buffer was specified with
   unsigned int uploaded_index_size = 0;   ///< bytes the index buffer was specified with
   unsigned int uploaded_serial = 0;       ///< layout serial the buffers were specified for

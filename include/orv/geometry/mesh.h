@@ -219,7 +219,7 @@ class ORV_API Mesh : public Object {
   bool _user_geometry_build();
 
  private:
-  bool render_with_subset(Renderer* renderer, unsigned int i, void (Object::*step)(Renderer*));
+  bool render_with_subset(Renderer* renderer, unsigned int i, void (Mesh::*step)(Renderer*));
   bool set_user_vertex_field(unsigned int i, vec4 Vertex::*field, const vec4& v);
 
   MeshData* mesh_data_ = nullptr;

@@ -132,6 +132,7 @@ class ORV_API VertexAttribArray {
   unsigned int* layout_serial = nullptr;
 
  private:
+  bool allocate(int dim, unsigned int n, int byte_alignment);
   void touch_layout();
 };
 

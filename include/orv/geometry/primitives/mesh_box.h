@@ -13,7 +13,8 @@ class ORV_API MeshBox : public Mesh {
  public:
   MeshBox();
   explicit MeshBox(VERTEX_FORMAT format);
-  MeshBox(const MeshBox&) = default;
+  /// A new node that shares the geometry.
+  MeshBox(const MeshBox& other);
   MeshBox& operator=(const MeshBox&) = default;
 
   /// Segments below 1 count as 1 when built. True.

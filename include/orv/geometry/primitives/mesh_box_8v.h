@@ -13,7 +13,8 @@ class ORV_API MeshBox8v : public Mesh {
  public:
   MeshBox8v();
   explicit MeshBox8v(VERTEX_FORMAT format);
-  MeshBox8v(const MeshBox8v&) = default;
+  /// A new node that shares the geometry.
+  MeshBox8v(const MeshBox8v& other);
   MeshBox8v& operator=(const MeshBox8v&) = default;
 
   bool set_build_params(float width, float height, float depth);

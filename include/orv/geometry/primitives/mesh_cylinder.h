@@ -14,7 +14,8 @@ class ORV_API MeshCylinder : public Mesh {
  public:
   MeshCylinder();
   explicit MeshCylinder(VERTEX_FORMAT format);
-  MeshCylinder(const MeshCylinder&) = default;
+  /// A new node that shares the geometry.
+  MeshCylinder(const MeshCylinder& other);
   MeshCylinder& operator=(const MeshCylinder&) = default;
 
   /// At least 3 stacks and slices are built; a negative radius counts as 1. True.

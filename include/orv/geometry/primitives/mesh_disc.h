@@ -13,7 +13,8 @@ class ORV_API MeshDisc : public Mesh {
  public:
   MeshDisc();
   explicit MeshDisc(VERTEX_FORMAT format);
-  MeshDisc(const MeshDisc&) = default;
+  /// A new node that shares the geometry.
+  MeshDisc(const MeshDisc& other);
   MeshDisc& operator=(const MeshDisc&) = default;
 
   /// `radius` is the outer one, `thickness` reaches inwards. At least 4 slices are built. True.

@@ -13,7 +13,8 @@ class ORV_API MeshEllipse : public Mesh {
  public:
   MeshEllipse();
   explicit MeshEllipse(VERTEX_FORMAT format);
-  MeshEllipse(const MeshEllipse&) = default;
+  /// A new node that shares the geometry.
+  MeshEllipse(const MeshEllipse& other);
   MeshEllipse& operator=(const MeshEllipse&) = default;
 
   /// `sweep` is the angle covered, in degrees. At least 3 slices and 1 ring are built. True.

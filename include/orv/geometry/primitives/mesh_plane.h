@@ -13,7 +13,8 @@ class ORV_API MeshPlane : public Mesh {
  public:
   MeshPlane();
   explicit MeshPlane(VERTEX_FORMAT format);
-  MeshPlane(const MeshPlane&) = default;
+  /// A new node that shares the geometry.
+  MeshPlane(const MeshPlane& other);
   MeshPlane& operator=(const MeshPlane&) = default;
 
   /// Keeps the rotation. Segments below 1 count as 1 when built. True.

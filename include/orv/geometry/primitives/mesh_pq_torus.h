@@ -13,7 +13,8 @@ class ORV_API MeshPQTorus : public Mesh {
  public:
   MeshPQTorus();
   explicit MeshPQTorus(VERTEX_FORMAT format);
-  MeshPQTorus(const MeshPQTorus&) = default;
+  /// A new node that shares the geometry.
+  MeshPQTorus(const MeshPQTorus& other);
   MeshPQTorus& operator=(const MeshPQTorus&) = default;
 
   /// @param u_steps rings along the knot; @param v_steps vertices on a ring
@@ -32,7 +33,7 @@ class ORV_API MeshPQTorus : public Mesh {
 
  private:
   bool _build_pq_torus();
-  void write_indices();
+  void write_indices(unsigned int count);
   void write_rings();
 
   int u_steps_ = 256;

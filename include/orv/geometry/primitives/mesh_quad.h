@@ -13,7 +13,8 @@ class ORV_API MeshQuad : public Mesh {
  public:
   MeshQuad();
   explicit MeshQuad(VERTEX_FORMAT format);
-  MeshQuad(const MeshQuad&) = default;
+  /// A new node that shares the geometry.
+  MeshQuad(const MeshQuad& other);
   MeshQuad& operator=(const MeshQuad&) = default;
 
   bool set_build_params(float width, float height);

@@ -12,7 +12,8 @@ class ORV_API MeshQuadHud : public Mesh {
  public:
   MeshQuadHud();
   explicit MeshQuadHud(VERTEX_FORMAT format);
-  MeshQuadHud(const MeshQuadHud&) = default;
+  /// A new node that shares the geometry.
+  MeshQuadHud(const MeshQuadHud& other);
   MeshQuadHud& operator=(const MeshQuadHud&) = default;
 
   /// Marks the square for the next build. True.

@@ -13,7 +13,8 @@ class ORV_API MeshSphere : public Mesh {
  public:
   MeshSphere();
   explicit MeshSphere(VERTEX_FORMAT format);
-  MeshSphere(const MeshSphere&) = default;
+  /// A new node that shares the geometry.
+  MeshSphere(const MeshSphere& other);
   MeshSphere& operator=(const MeshSphere&) = default;
 
   /// At least 2 stacks and 3 slices are built. True.

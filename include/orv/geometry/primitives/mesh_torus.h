@@ -13,7 +13,8 @@ class ORV_API MeshTorus : public Mesh {
  public:
   MeshTorus();
   explicit MeshTorus(VERTEX_FORMAT format);
-  MeshTorus(const MeshTorus&) = default;
+  /// A new node that shares the geometry.
+  MeshTorus(const MeshTorus& other);
   MeshTorus& operator=(const MeshTorus&) = default;
 
   /// `slices` both along and across the ring, taken as they are. True.

@@ -13,7 +13,8 @@ class ORV_API MeshTriangle : public Mesh {
  public:
   MeshTriangle();
   explicit MeshTriangle(VERTEX_FORMAT format);
-  MeshTriangle(const MeshTriangle&) = default;
+  /// A new node that shares the geometry.
+  MeshTriangle(const MeshTriangle& other);
   MeshTriangle& operator=(const MeshTriangle&) = default;
 
   bool set_build_params(const vec4& corner_a, const vec4& corner_b, const vec4& corner_c);
