@@ -207,7 +207,6 @@ class ORV_API Texture : public Resource {
   bool fill_with_noise(unsigned int num_points, const vec4& background, const vec4& point_color,
                        unsigned int seed);
   bool inject_opacity_map_to_alpha_channel(const Image* map);
-  bool inject_opacity_map_to_alpha_channel(const Texture* map);
   bool update_alpha_channel_smooth(float threshold);
   bool update_alpha_channel_binary(const vec4& key_color, float tolerance);
   bool flip_horizontal();

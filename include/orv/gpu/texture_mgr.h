@@ -9,6 +9,8 @@
 
 namespace orv {
 
+struct TextureMgrData;
+
 /// Turns files, encoded memory, raw pixels and render targets into textures, keeps the image codecs
 /// and the list of textures, and takes screenshots. Nothing is uploaded here: textures reach the
 /// GPU with Texture::upload or their first Texture::bind.
@@ -152,25 +154,8 @@ class ORV_API TextureMgr : public ResourceMgr {
   const Image* get_screenshot_image() const;
 
  private:
-  struct TextureMgrData;
-
   TextureMgr();
   ~TextureMgr() override;
-
-  Texture* add_new_texture();
-  Texture* keep_or_release(Texture* texture, bool loaded);
-  ImageCodec* find_codec(const char* name) const;
-  template <typename Action>
-  bool try_codecs(Action action);
-  template <typename Decode>
-  bool decode_into_texture(ImageCodec* codec, Texture* texture, PIXEL_FORMAT format, Decode decode);
-  template <typename Decode>
-  bool decode_into_face(ImageCodec* codec, Texture* texture, CUBEMAP_FACE face, Decode decode);
-  bool update_gpu_memory_with(ImageCodec* codec, Renderer* renderer, Texture* texture,
-                              const char* filename, bool flip, PIXEL_FORMAT format);
-  void free_image(Image* image);
-  bool save_screenshot(const char* filename, bool flip);
-  static void forget_plugin(Plugin* plugin);
 
   TextureMgrData* data_;
 };

@@ -212,6 +212,7 @@ class ORV_API Image {
   float* f32_block_ = nullptr;
   std::size_t u8_capacity_ = 0;
   std::size_t f32_capacity_ = 0;
+  bool is_view_ = false;  // owns_pixels was cleared by set_u8_ptr or set_f32_ptr
 };
 
 }  // namespace orv

@@ -1,0 +1,121 @@
+#include <orv/image/image_codec_stb.h>
+
+#include "core/read_file.h"
+#include "image/image_access.h"
+#include "image/jpeg_writer.h"
+#include "image/pixel_cast.h"
+#include "image/stb_image_decode.h"
+
+#include <climits>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace orv {
+namespace {
+
+int wanted_channels(PIXEL_FORMAT format) {
+  switch (static_cast<int>(format)) {
+    case PF_RGBA_U8:
+      return 4;
+    case PF_RG_U8:
+      return 2;
+    case PF_R_U8:
+      return 1;
+    default:
+      return 3;
+  }
+}
+
+PIXEL_FORMAT format_of_channels(int channels) {
+  constexpr PIXEL_FORMAT FORMATS[] = {PF_R_U8, PF_RG_U8, PF_RGB_U8, PF_RGBA_U8};
+  return FORMATS[channels - 1];
+}
+
+/// Writes a float image: red, green and blue scaled to bytes.
+bool save_floats(const Image& image, const char* filename) {
+  const std::size_t channels = image.get_pixel_format_num_channels();
+  const std::size_t count = static_cast<std::size_t>(detail::pixel_count(image));
+  const std::unique_ptr<unsigned char[]> bytes(detail::new_block<unsigned char>(count * 3));
+  if (!bytes) return false;
+  const float* source = image.get_f32_ptr();
+  unsigned char* target = bytes.get();
+  for (std::size_t i = 0; i < count; ++i, source += channels, target += 3) {
+    for (std::size_t c = 0; c < 3; ++c) target[c] = detail::unit_to_byte(source[c]);
+  }
+  return detail::write_jpeg(filename, image.width, image.height, 3, bytes.get());
+}
+
+}  // namespace
+
+ImageCodecStb::ImageCodecStb() {
+  char build[128];
+  std::snprintf(build, sizeof(build), "BUILD_DATE: [%s] - BUILD_TIME: [%s]", __DATE__, __TIME__);
+  set_type(PLUGIN_TYPE_IMAGE_CODEC);
+  set_name("stb");
+  set_description(
+      "STB image loader. Supported formats: *.JPEG, *.PNG, *.TGA, *.BMP, *.PSD, *.GIF, *.HDR, "
+      "*.PIC");
+  set_author("The Orvane Core developers");
+  set_build_info(build);
+  set_version(0, 1, 0);
+}
+
+ImageCodecStb::~ImageCodecStb() = default;
+
+bool ImageCodecStb::load_image_from_file(Image* image, const char* filename, bool option,
+                                         PIXEL_FORMAT format) {
+  if (!image || !filename) return false;
+  std::vector<unsigned char> data;
+  if (!detail::read_whole_file(filename, data) || data.size() >= INT_MAX) return false;
+  // The zero behind the data belongs to what the decoder sees.
+  data.push_back(0);
+  return load_image_from_memory(image, data.data(), static_cast<unsigned int>(data.size()), option,
+                                format);
+}
+
+bool ImageCodecStb::load_image_from_memory(Image* image, unsigned char* data, unsigned int size,
+                                           bool /*option*/, PIXEL_FORMAT format) {
+  if (!image || !data || size == 0) return false;
+  const int channels = wanted_channels(format);
+  detail::DecodedImage decoded;
+  if (!decoded.decode(data, size, channels)) return false;
+  if (!image->create(decoded.width(), decoded.height(), 1, format_of_channels(channels), false,
+                     true)) {
+    return false;
+  }
+  std::memcpy(
+      image->u8_ptr, decoded.pixels(),
+      static_cast<std::size_t>(detail::pixel_count(*image)) * static_cast<std::size_t>(channels));
+  return true;
+}
+
+bool ImageCodecStb::save_image_to_file(Image* image, const char* filename) {
+  if (!image || !filename || !image->has_pixels()) return false;
+  switch (static_cast<int>(image->pixel_format)) {
+    case PF_RGB_U8:
+    case PF_BGR_U8:
+      return detail::write_jpeg(filename, image->width, image->height, 3, image->get_u8_ptr());
+    case PF_RGBA_U8:
+    case PF_BGRA_U8:
+      return detail::write_jpeg(filename, image->width, image->height, 4, image->get_u8_ptr());
+    case PF_R_U8:
+      return detail::write_jpeg(filename, image->width, image->height, 1, image->get_u8_ptr());
+    case PF_RGB_F32:
+    case PF_RGBA_F32:
+      return save_floats(*image, filename);
+    default:
+      return false;
+  }
+}
+
+bool ImageCodecStb::free_image_resources(Image* image) {
+  if (!image || !image->codec_pixels) return false;
+  delete[] image->codec_pixels;
+  image->codec_pixels = nullptr;
+  return true;
+}
+
+}  // namespace orv

@@ -1,0 +1,99 @@
+#include "image/stb_image_decode.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstring>
+
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_NO_STDIO
+#define STBI_NO_PNM
+#define STBI_NO_FAILURE_STRINGS
+// A violated assumption ends in a failed decode, never in an abort.
+#define STBI_ASSERT(x) ((void)(x))
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
+
+namespace orv::detail {
+namespace {
+
+/// How many pixels a byte of a format can stand for at most, so that a short file that claims a
+/// huge picture is refused before memory is taken for it.
+struct Density {
+  const char* magic;
+  std::size_t magic_size;
+  std::uint64_t pixels_per_byte;
+};
+
+constexpr Density DENSITIES[] = {
+    {"\xFF\xD8", 2, 1024},          // JPEG: two bits for a block of 64 pixels, colour halved
+    {"\x89PNG", 4, 8300},           // PNG: deflate packs 1032 to 1, and a byte is eight pixels
+    {"GIF8", 4, 4096},              // GIF: a code of 12 bits stands for up to 4096 pixels
+    {"BM", 2, 8},                   // BMP: one bit a pixel
+    {"8BPS", 4, 128},               // PSD: runs of 128 in two bytes
+    {"#?", 2, 64},                  // HDR: runs of 127 in two bytes for each of four channels
+    {"\x53\x80\xF6\x34", 4, 16384}  // PIC: runs of 65535
+};
+constexpr std::uint64_t TGA_PIXELS_PER_BYTE = 128;  // runs of 128 in two bytes
+// Small pictures always pass: half a megabyte of pixels is nobody's trouble.
+constexpr std::uint64_t FREE_PIXELS = std::uint64_t{1} << 18;
+// Scans of a progressive JPEG each walk the whole picture.
+constexpr std::uint64_t MAX_JPEG_WORK = std::uint64_t{1} << 31;
+
+std::uint64_t pixels_per_byte(const unsigned char* data, std::size_t size) {
+  for (const Density& density : DENSITIES) {
+    if (size >= density.magic_size && std::memcmp(data, density.magic, density.magic_size) == 0) {
+      return density.pixels_per_byte;
+    }
+  }
+  return TGA_PIXELS_PER_BYTE;
+}
+
+std::uint64_t count_jpeg_scans(const unsigned char* data, std::size_t size) {
+  if (size < 2 || data[0] != 0xFF || data[1] != 0xD8) return 1;
+  std::uint64_t scans = 0;
+  const unsigned char* end = data + size - 1;
+  const auto next_marker = [end](const unsigned char* from) {
+    return static_cast<const unsigned char*>(
+        std::memchr(from, 0xFF, static_cast<std::size_t>(end - from)));
+  };
+  for (const unsigned char* at = next_marker(data); at; at = next_marker(at + 1)) {
+    if (at[1] == 0xDA) ++scans;
+    if (at + 1 >= end) break;
+  }
+  return scans;
+}
+
+bool is_in_proportion(const unsigned char* data, std::size_t size) {
+  int width = 0, height = 0, channels = 0;
+  if (!stbi_info_from_memory(data, static_cast<int>(size), &width, &height, &channels)) {
+    return false;
+  }
+  if (width <= 0 || height <= 0) return false;
+  const std::uint64_t pixels =
+      static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+  if (pixels > FREE_PIXELS + size * pixels_per_byte(data, size)) return false;
+  return pixels * count_jpeg_scans(data, size) <= MAX_JPEG_WORK;
+}
+
+}  // namespace
+
+DecodedImage::~DecodedImage() { stbi_image_free(pixels_); }
+
+bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels) {
+  if (!data || size == 0 || size > INT_MAX || channels < 1 || channels > 4) return false;
+  if (!is_in_proportion(data, size)) return false;
+  int width = 0, height = 0, file_channels = 0;
+  unsigned char* pixels = stbi_load_from_memory(data, static_cast<int>(size), &width, &height,
+                                                &file_channels, channels);
+  if (!pixels) return false;
+  stbi_image_free(pixels_);
+  pixels_ = pixels;
+  width_ = static_cast<unsigned int>(width);
+  height_ = static_cast<unsigned int>(height);
+  return true;
+}
+
+}  // namespace orv::detail

@@ -1,0 +1,32 @@
+/// @file
+/// The image decoder behind ImageCodecStb.
+#pragma once
+
+#include <cstddef>
+
+namespace orv::detail {
+
+/// A decoded picture: tightly packed bytes, top row first. Empty after a failure.
+class DecodedImage {
+ public:
+  DecodedImage() = default;
+  ~DecodedImage();
+  DecodedImage(const DecodedImage&) = delete;
+  DecodedImage& operator=(const DecodedImage&) = delete;
+
+  /// Decodes JPEG, PNG, TGA, BMP, PSD, GIF (first frame), HDR and PIC to this many channels, 1 to
+  /// 4. False for what is none of these and for a picture whose size is out of all proportion to
+  /// the data.
+  bool decode(const unsigned char* data, std::size_t size, int channels);
+
+  const unsigned char* pixels() const { return pixels_; }
+  unsigned int width() const { return width_; }
+  unsigned int height() const { return height_; }
+
+ private:
+  unsigned char* pixels_ = nullptr;
+  unsigned int width_ = 0;
+  unsigned int height_ = 0;
+};
+
+}  // namespace orv::detail
