@@ -28,9 +28,9 @@ int bake_font_bitmap(const unsigned char* data, std::size_t size, float pixel_he
 struct GlyphBitmap {
   int width = 0;
   int height = 0;
-  int left = 0;        ///< from the pen to the left column
-  int top = 0;         ///< from the baseline to the upper row, y downwards
-  float advance = 0;   ///< pen movement in pixels
+  int left = 0;       ///< from the pen to the left column
+  int top = 0;        ///< from the baseline to the upper row, y downwards
+  float advance = 0;  ///< pen movement in pixels
   std::vector<unsigned char> coverage;
 };
 

@@ -60,13 +60,11 @@ class FontCheck {
     const std::uint64_t count = file_.u16(start + 4);
     if (start + 12 + count * 16 > file_.size()) return false;
     Table cmap, head, hhea, hmtx, maxp;
-    const bool found = find(start, count, "cmap", 4, &cmap) &&
-                       find(start, count, "head", 54, &head) &&
-                       find(start, count, "hhea", 36, &hhea) &&
-                       find(start, count, "hmtx", 4, &hmtx) &&
-                       find(start, count, "maxp", 6, &maxp) &&
-                       find(start, count, "loca", 2, &loca_) &&
-                       find(start, count, "glyf", 10, &glyf_);
+    const bool found =
+        find(start, count, "cmap", 4, &cmap) && find(start, count, "head", 54, &head) &&
+        find(start, count, "hhea", 36, &hhea) && find(start, count, "hmtx", 4, &hmtx) &&
+        find(start, count, "maxp", 6, &maxp) && find(start, count, "loca", 2, &loca_) &&
+        find(start, count, "glyf", 10, &glyf_);
     if (!found) return false;
     num_glyphs_ = file_.u16(maxp.offset + 4);
     long_offsets_ = file_.u16(head.offset + 50) == 1;
@@ -131,8 +129,8 @@ class FontCheck {
     if (at >= file_.size()) return false;
     const int contours = file_.s16(at);
     if (contours > 0) {
-      cost->points += 1 + static_cast<int>(
-                              file_.u16(at + 10 + static_cast<std::uint64_t>(contours - 1) * 2));
+      cost->points +=
+          1 + static_cast<int>(file_.u16(at + 10 + static_cast<std::uint64_t>(contours - 1) * 2));
       return cost->points <= MAX_POINTS;
     }
     return contours == 0 || walk_components(at + 10, depth, cost);
