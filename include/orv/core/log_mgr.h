@@ -33,7 +33,8 @@ class ORV_API LogMgr {
   /// Makes a log that stays the manager's. It takes the place of an earlier log of the same name,
   /// which is then nobody's. A null name returns the default log, which may be null.
   Log* create_log(const char* filename, bool enabled);
-  /// Destroys the log that stands under the name of `log`. False for null and for unknown names.
+  /// Takes the entry of this log's file name out and destroys the log. False for null and when no
+  /// log of that name was made.
   bool kill_log(Log* log);
   /// Null while the manager is stopped.
   Log* get_default_log() const;

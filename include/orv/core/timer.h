@@ -26,7 +26,7 @@ class ORV_API Timer {
   unsigned int getMicrosecondsCPU() const;
 
  private:
-  unsigned long long read_elapsed(unsigned long long& frequency);
+  unsigned long long read_elapsed();
 
   unsigned long long start_clock_;
   unsigned int start_tick_;
