@@ -12,31 +12,6 @@ namespace orv {
 
 namespace {
 
-/// Goes up the parents of a node. Ends at the top, and also when parents set by hand form a ring.
-class ParentWalk {
- public:
-  explicit ParentWalk(Node* node) : current_(node), mark_(node) {}
-
-  Node* next() {
-    if (!current_) return nullptr;
-    current_ = current_->get_parent();
-    if (current_ == mark_) return current_ = nullptr;
-    if (++steps_ == limit_) {
-      // Any ring is met again once the distance to the mark exceeds its length.
-      mark_ = current_;
-      limit_ *= 2;
-      steps_ = 0;
-    }
-    return current_;
-  }
-
- private:
-  Node* current_;
-  Node* mark_;
-  unsigned int steps_ = 0;
-  unsigned int limit_ = 8;
-};
-
 /// Puts `matrix` at position `i` of a chain. False when it stood there already, to the byte.
 bool store_link(std::vector<mat4>& chain, std::size_t i, const mat4& matrix) {
   if (i >= chain.size()) {
@@ -131,8 +106,7 @@ mat4& Object::get_absolute_transform() {
   std::vector<mat4>& chain = data_->chain;
   bool changed = store_link(chain, 0, local);
   std::size_t length = 1;
-  ParentWalk walk(this);
-  while (Node* node = walk.next()) {
+  for (Node* node = get_parent(); node; node = node->get_parent()) {
     if (!node->is_type_of(NODE_TYPE_OBJECT)) continue;
     Tripod* tripod = static_cast<Object*>(node)->data_->tripod.get();
     tripod->update_transform();
