@@ -144,7 +144,11 @@ unsigned int GpuProgramData::take_free_slot() {
   return slot;
 }
 
-GpuProgramUniform* GpuProgramData::get_new_uniform() { return uniforms[take_free_slot()]; }
+GpuProgramUniform* GpuProgramData::get_new_uniform() {
+  // The list may move before it is read.
+  const unsigned int slot = take_free_slot();
+  return uniforms[slot];
+}
 
 bool GpuProgramData::need_bind_uniforms() {
   if (!uniforms) return false;

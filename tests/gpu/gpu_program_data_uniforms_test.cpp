@@ -57,6 +57,14 @@ TEST_F(GpuProgramDataUniforms, FifthUniformGrowsTheListToEightAndNinthToTwelve) 
   EXPECT_EQ(data.get_uniforms_list()[9], nullptr);
 }
 
+TEST_F(GpuProgramDataUniforms, NewRecordsComeFromTheGrownList) {
+  for (unsigned int i = 0; i < 13; ++i) {
+    const GpuProgramUniform* uniform = data.get_new_uniform();
+    EXPECT_EQ(uniform, data.get_uniforms_list()[i]);
+  }
+  EXPECT_EQ(data.get_num_uniforms(), 16u);
+}
+
 TEST_F(GpuProgramDataUniforms, FreedSlotIsReused) {
   data.set_uniform_1i("a", 1);
   data.set_uniform_1i("b", 2);
