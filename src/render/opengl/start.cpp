@@ -1,6 +1,7 @@
 // How the renderer comes up on a context and goes down: fetch the functions, read the facts,
 // decide.
 #include <orv/core/log_mgr.h>
+#include <orv/render/render_window.h>
 
 #include <cstdio>
 #include <cstring>
