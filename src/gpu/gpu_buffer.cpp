@@ -112,7 +112,7 @@ bool GpuBuffer::bind_range(Renderer* renderer, int point, unsigned int offset, u
 void* GpuBuffer::map(Renderer* renderer, const char* access) {
   if (!renderer) return nullptr;
   void* place = renderer->gpu_buffer_map(data_, access);
-  data_->mapped_size = 0;
+  if (place) data_->mapped_size = 0;
   return place;
 }
 
@@ -120,7 +120,7 @@ void* GpuBuffer::map_range(Renderer* renderer, unsigned int offset, unsigned int
                            const char* flags) {
   if (!renderer) return nullptr;
   void* place = renderer->gpu_buffer_map_range(data_, offset, size, flags);
-  data_->mapped_size = size;
+  if (place) data_->mapped_size = size;
   return place;
 }
 

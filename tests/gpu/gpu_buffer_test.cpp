@@ -218,6 +218,13 @@ TEST_F(GpuBufferTest, ValuesOfAMappedRangeEndWithTheRange) {
   EXPECT_TRUE(buffer.set_value_2f(nullptr, 56, 1, 2));
 }
 
+TEST_F(GpuBufferTest, FailedMappingLeavesTheMappedSizeAlone) {
+  map_bytes(64);
+  EXPECT_EQ(buffer.map_range(&renderer, 0, 128, "GL_MAP_WRITE_BIT"), nullptr);
+  EXPECT_FALSE(buffer.set_value_1f(nullptr, 64, 1));
+  EXPECT_TRUE(buffer.set_value_1f(nullptr, 60, 1));
+}
+
 TEST_F(GpuBufferTest, NullValuesAreRefused) {
   map_bytes(64);
   float x = 0;
