@@ -198,19 +198,29 @@ struct Columns {
   float4 column[4];
 };
 
+// Row `Row` of the source in the three arrangements that the expansion below needs.
+template <int Row>
+inline void gather_row(const float4* column, float4& low, float4& high, float4& cross) {
+  low = __builtin_shufflevector(column[2], column[0], Row, Row, 4 + Row, 4 + Row);
+  high = __builtin_shufflevector(column[3], column[1], Row, Row, 4 + Row, 4 + Row);
+  cross = __builtin_shufflevector(high, low, 2, 6, 0, 4);
+}
+
 // Transposed cofactors by expansion over the 2x2 sub-determinants of the column pairs (0, 1) and
 // (2, 3). Each lane of a column needs the pair that its own column isn't in, with signs + - + -.
 // Row i of the source serves as `low` (columns 2 and 0), `high` (columns 3 and 1), and `cross`, the
 // factors that meet the sub-determinants, with the signs already in.
 inline Columns transposed_cofactors(const float* m) {
+  const float4 column[4] = {load(m), load(m + 4), load(m + 8), load(m + 12)};
+  const float4 signs = {1.0f, -1.0f, 1.0f, -1.0f};
   float4 low[4];
   float4 high[4];
   float4 cross[4];
-  for (int i = 0; i < 4; ++i) {
-    low[i] = float4{m[8 + i], m[8 + i], m[i], m[i]};
-    high[i] = float4{m[12 + i], m[12 + i], m[4 + i], m[4 + i]};
-    cross[i] = float4{m[4 + i], -m[i], m[12 + i], -m[8 + i]};
-  }
+  gather_row<0>(column, low[0], high[0], cross[0]);
+  gather_row<1>(column, low[1], high[1], cross[1]);
+  gather_row<2>(column, low[2], high[2], cross[2]);
+  gather_row<3>(column, low[3], high[3], cross[3]);
+  for (float4& factors : cross) factors *= signs;
   const float4 d01 = low[0] * high[1] - high[0] * low[1];
   const float4 d02 = low[0] * high[2] - high[0] * low[2];
   const float4 d03 = low[0] * high[3] - high[0] * low[3];

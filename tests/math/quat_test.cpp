@@ -134,6 +134,18 @@ TEST(Quat, RotationAgreesWithTheMatrixForBothVectors) {
   }
 }
 
+TEST(Quat, RotationHasTheBitsOfThePlainFormula) {
+  Math::srnd(6);
+  for (int round = 0; round < 1000; ++round) {
+    const quat q(Math::rnd(-1, 1), Math::rnd(-1, 1), Math::rnd(-1, 1), Math::rnd(-1, 1));
+    const vec4 v(Math::rnd(-3, 3), Math::rnd(-3, 3), Math::rnd(-3, 3));
+    const vec3 u(q.x, q.y, q.z);
+    const vec3 c = u.cross(v.get_vec3());
+    const vec3 e = u.cross(c);
+    ASSERT_EQ((q * v).get_vec3(), v.get_vec3() + c * (2.0f * q.w) + e * 2.0f);
+  }
+}
+
 TEST(Quat, ConjugateTurnsBack) {
   const quat q = turn(77, 0.6f, 0, 0.8f);
   quat back = q;

@@ -23,5 +23,11 @@ inline void store(float* p, float4 v) { __builtin_memcpy(p, &v, sizeof(v)); }
 /// The same value in all four lanes.
 inline float4 splat(float s) { return float4{s, s, s, s}; }
 
+/// Lanes 1, 2, 0, 3.
+inline float4 rotate3(float4 v) { return __builtin_shufflevector(v, v, 1, 2, 0, 3); }
+
+/// Right-handed cross product of the first three lanes; the fourth means nothing.
+inline float4 cross(float4 a, float4 b) { return rotate3(a * rotate3(b) - rotate3(a) * b); }
+
 }  // namespace lanes
 }  // namespace orv

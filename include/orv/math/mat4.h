@@ -68,17 +68,7 @@ class ORV_API mat4 {
 
   /// The product this * b: b is applied to a vector first.
   mat4 operator*(const mat4& b) const {
-    mat4 product;
-    const lanes::float4 c0 = lanes::load(m);
-    const lanes::float4 c1 = lanes::load(m + 4);
-    const lanes::float4 c2 = lanes::load(m + 8);
-    const lanes::float4 c3 = lanes::load(m + 12);
-    for (int c = 0; c < 16; c += 4) {
-      lanes::store(product.m + c, c0 * lanes::splat(b.m[c]) + c1 * lanes::splat(b.m[c + 1]) +
-                                      c2 * lanes::splat(b.m[c + 2]) +
-                                      c3 * lanes::splat(b.m[c + 3]));
-    }
-    return product;
+    return mat4(combine(b.m), combine(b.m + 4), combine(b.m + 8), combine(b.m + 12));
   }
   /// The product this * b, like `*`.
   mat4 concat(const mat4& b) const { return *this * b; }
@@ -88,10 +78,7 @@ class ORV_API mat4 {
   /// The matrix applied to a column vector, all four lanes.
   vec4 operator*(const vec4& v) const {
     vec4 product;
-    lanes::store(product.ptr(), lanes::load(m) * lanes::splat(v.x) +
-                                    lanes::load(m + 4) * lanes::splat(v.y) +
-                                    lanes::load(m + 8) * lanes::splat(v.z) +
-                                    lanes::load(m + 12) * lanes::splat(v.w));
+    lanes::store(product.ptr(), combine(v.ptr()));
     return product;
   }
 
@@ -175,6 +162,21 @@ class ORV_API mat4 {
   void buildLHUVNCameraMatrix(const vec4& eye, const vec4& target, const vec4& up);
 
  private:
+  mat4(lanes::float4 c0, lanes::float4 c1, lanes::float4 c2, lanes::float4 c3) {
+    lanes::store(m, c0);
+    lanes::store(m + 4, c1);
+    lanes::store(m + 8, c2);
+    lanes::store(m + 12, c3);
+  }
+
+  // Sum of the columns, each times its factor.
+  lanes::float4 combine(const float* factors) const {
+    return lanes::load(m) * lanes::splat(factors[0]) +
+           lanes::load(m + 4) * lanes::splat(factors[1]) +
+           lanes::load(m + 8) * lanes::splat(factors[2]) +
+           lanes::load(m + 12) * lanes::splat(factors[3]);
+  }
+
   bool equals(const float* p) const;
 };
 

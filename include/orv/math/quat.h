@@ -3,6 +3,7 @@
 #pragma once
 
 #include <orv/core/api.h>
+#include <orv/math/lanes.h>
 #include <orv/math/vec3.h>
 #include <orv/math/vec4.h>
 
@@ -71,12 +72,15 @@ class ORV_API quat {
   }
 
   /// Rotates x, y, z of a vector by this unit quaternion; w of the result is always 3.
-  constexpr vec4 operator*(const vec4& v) const {
-    const vec3 c(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x);
-    const vec3 e(y * c.z - z * c.y, z * c.x - x * c.z, x * c.y - y * c.x);
-    const float w2 = 2.0f * w;
-    return vec4(v.x + w2 * c.x + 2.0f * e.x, v.y + w2 * c.y + 2.0f * e.y,
-                v.z + w2 * c.z + 2.0f * e.z, 3.0f);
+  vec4 operator*(const vec4& v) const {
+    const lanes::float4 u = lanes::load(&x);
+    const lanes::float4 p = lanes::load(v.ptr());
+    const lanes::float4 c = lanes::cross(u, p);
+    const lanes::float4 e = lanes::cross(u, c);
+    vec4 rotated;
+    lanes::store(rotated.ptr(), p + lanes::splat(2.0f * w) * c + (e + e));
+    rotated.w = 3.0f;
+    return rotated;
   }
   /// Rotates a vector: the vector part of q * (v, 0) * conjugate(q).
   constexpr vec3 operator*(const vec3& v) const {
