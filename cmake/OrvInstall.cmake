@@ -1,0 +1,20 @@
+# Headers, library and package files for hosts outside this tree.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS orv EXPORT orv-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
+install(DIRECTORY include/orv DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+install(EXPORT orv-targets NAMESPACE orv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orv
+  COMPONENT dev)
+
+configure_package_config_file(cmake/orv-config.cmake.in ${PROJECT_BINARY_DIR}/orv-config.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orv)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/orv-config-version.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/orv-config.cmake ${PROJECT_BINARY_DIR}/orv-config-version.cmake
+  cmake/OrvPlugin.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orv COMPONENT dev)
+
+configure_file(cmake/orv.pc.in ${PROJECT_BINARY_DIR}/orv.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT dev)

@@ -1,0 +1,54 @@
+/// @file
+/// Base class of model loaders.
+#pragma once
+
+#include <orv/core/api.h>
+#include <orv/core/plugin.h>
+#include <orv/fwd.h>
+
+namespace orv {
+
+struct Loader3DData;
+
+/// A plugin that fills a Model or a Scene from a file. A loader decides by the file's name whether
+/// the file is its own, opens `model_dir` + file name (plain concatenation: the directory ends in a
+/// separator), and touches no GPU object: texture names are only recorded on the materials.
+///
+/// The directories are kept in the loader, so one loader must not run on two threads at once.
+class ORV_API Loader3D : public Plugin {
+ public:
+  Loader3D();
+  ~Loader3D() override;
+  Loader3D(const Loader3D&) = delete;
+  Loader3D& operator=(const Loader3D&) = delete;
+
+  /// Fills `model` from a file. False when the name is not this loader's or the file cannot be
+  /// read; the caller owns the model in any case.
+  virtual bool load_model(Model* model, const char* filename) = 0;
+
+  /// Fills `scene` from a file. `what` holds any of the words "material", "mesh" and "camera" and
+  /// says what to take; null takes nothing. False also when the loader cannot fill scenes.
+  virtual bool load_scene(Scene* scene, const char* filename, const char* what) = 0;
+
+  /// Names for the host, "" at first.
+  const char* get_loader_name() const;
+  const char* get_loader_description() const;
+
+  /// Directory that file names are appended to. Setting null keeps the present one.
+  const char* get_model_dir() const;
+  void set_model_dir(const char* directory);
+
+  /// Directory for loaders that look for further files; the core loaders never read it.
+  const char* get_resource_dir() const;
+  void set_resource_dir(const char* directory);
+
+ protected:
+  /// Each copies its text; null keeps the present one.
+  void set_loader_name(const char* name);
+  void set_loader_description(const char* description);
+
+ private:
+  Loader3DData* data_;
+};
+
+}  // namespace orv

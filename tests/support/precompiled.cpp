@@ -1,0 +1,1 @@
+// Carries the precompiled test framework that all test programs reuse.
