@@ -2,7 +2,6 @@
 
 #include "geometry/attrib_access.h"
 #include "geometry/face_access.h"
-#include "geometry/limits.h"
 #include "geometry/voxelizer.h"
 
 namespace orv {
@@ -54,8 +53,6 @@ bool Mesh::voxelize(float dx, float dy, float dz, float precision) {
   if (mesh_data_->get_num_vertices() == 0 || mesh_data_->get_num_faces() == 0) return false;
   VoxelCubes cubes;
   if (!voxelize_surface(soup_of(*mesh_data_), vec3(dx, dy, dz), precision, &cubes)) return false;
-  // What can't be allocated below must not cost the geometry that is there.
-  if (cubes.positions.size() > MAX_GEOMETRY_BYTES / sizeof(Vertex)) return false;
 
   free_mesh_data();
   set_vertex_alloc_params_num_vertices(static_cast<unsigned int>(cubes.positions.size()));

@@ -1,10 +1,13 @@
 #include "geometry/voxelizer.h"
 
+#include <orv/geometry/vertex.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 #include "geometry/box_sides.h"
+#include "geometry/limits.h"
 
 namespace orv {
 
@@ -75,7 +78,8 @@ class VoxelGrid {
   explicit VoxelGrid(const TriangleSoup& soup) : soup_(soup) {}
 
   bool build(const vec3& size, float precision);
-  void write(VoxelCubes* out) const;
+  /// False when the cubes would exceed the largest geometry.
+  bool write(VoxelCubes* out) const;
 
  private:
   /// A block of cells, from `first` to before `last` on each axis.
@@ -90,6 +94,7 @@ class VoxelGrid {
   void mark_cell(const Triangle& triangle, const int (&cell)[3], const Point& center);
   std::size_t index_of(int x, int y, int z) const;
   bool is_voxel(int x, int y, int z) const;
+  bool is_covered(const Voxel& voxel, const BoxSide& side) const;
   void write_side(const Voxel& voxel, unsigned int side, VoxelCubes* out) const;
 
   const TriangleSoup& soup_;
@@ -242,18 +247,31 @@ void VoxelGrid::write_side(const Voxel& voxel, unsigned int side, VoxelCubes* ou
   }
 }
 
-void VoxelGrid::write(VoxelCubes* out) const {
+bool VoxelGrid::is_covered(const Voxel& voxel, const BoxSide& side) const {
+  return is_voxel(voxel.cell[0] + static_cast<int>(side.normal.x),
+                  voxel.cell[1] + static_cast<int>(side.normal.y),
+                  voxel.cell[2] + static_cast<int>(side.normal.z));
+}
+
+bool VoxelGrid::write(VoxelCubes* out) const {
+  std::uint64_t sides = 0;
+  for (const Voxel& voxel : voxels_) {
+    for (const BoxSide& side : BOX_SIDES) sides += is_covered(voxel, side) ? 0 : 1;
+  }
+  if (sides > MAX_GEOMETRY_BYTES / (4 * sizeof(Vertex))) return false;
+
   *out = VoxelCubes();
   for (const BoxSide& side : BOX_SIDES) out->normals.push_back(side.normal);
+  out->positions.reserve(sides * 4);
+  out->uvs.reserve(sides * 4);
+  out->position_indices.reserve(sides * 6);
+  out->normal_indices.reserve(sides * 6);
   for (const Voxel& voxel : voxels_) {
     for (unsigned int side = 0; side < 6; ++side) {
-      const vec3& n = BOX_SIDES[side].normal;
-      const bool covered =
-          is_voxel(voxel.cell[0] + static_cast<int>(n.x), voxel.cell[1] + static_cast<int>(n.y),
-                   voxel.cell[2] + static_cast<int>(n.z));
-      if (!covered) write_side(voxel, side, out);
+      if (!is_covered(voxel, BOX_SIDES[side])) write_side(voxel, side, out);
     }
   }
+  return true;
 }
 
 }  // namespace
@@ -261,9 +279,7 @@ void VoxelGrid::write(VoxelCubes* out) const {
 bool voxelize_surface(const TriangleSoup& soup, const vec3& size, float precision,
                       VoxelCubes* out) {
   VoxelGrid grid(soup);
-  if (!grid.build(size, precision)) return false;
-  grid.write(out);
-  return true;
+  return grid.build(size, precision) && grid.write(out);
 }
 
 }  // namespace orv

@@ -27,8 +27,8 @@ struct VoxelCubes {
 /// triangle touches, give or take `precision`. Sides between two cubes are left out. The texture
 /// coordinates are those of the triangle corner nearest to the cube's centre.
 ///
-/// False, with `out` untouched, for sizes that are not above 0, for more than 2^24 cells, and when
-/// no triangle has finite coordinates.
+/// False, with `out` untouched, for sizes that are not above 0, for more than 2^24 cells, for more
+/// cubes than a geometry can hold, and when no triangle has finite coordinates.
 bool voxelize_surface(const TriangleSoup& soup, const vec3& size, float precision, VoxelCubes* out);
 
 }  // namespace orv

@@ -103,8 +103,9 @@ TEST(GeometryCoreAlloc, TooManyVerticesAreReportedAndFail) {
     const LogCapture log;
     GeometryCore core;
     EXPECT_FALSE(alloc_vertices(core, 0xFFFFFFFFu, form));
-    EXPECT_TRUE(log.contains("Geometry core allocation failed - 4294967295 vertices required - "
-                             "error: std::bad_alloc"));
+    EXPECT_TRUE(
+        log.contains("Geometry core allocation failed - 4294967295 vertices required - "
+                     "error: std::bad_alloc"));
     EXPECT_EQ(core.vertices, nullptr);
     EXPECT_EQ(core.num_attrib_arrays, 0u);
     EXPECT_FALSE(core.set_position(0, vec4()));
@@ -217,8 +218,7 @@ TEST(GeometryCoreAlloc, TypeTwoIsAStripAndAnyOtherAList) {
   for (const int type : {0, 1, 2, 3, 99}) {
     GeometryCore core;
     ASSERT_TRUE(core.alloc_face_data_v2(6, static_cast<MESH_FACE_TRIANGLE_TYPE>(type)));
-    EXPECT_EQ(core.get_primitive_type(),
-              type == 2 ? PRIMITIVE_TRIANGLE_STRIP : PRIMITIVE_TRIANGLES)
+    EXPECT_EQ(core.get_primitive_type(), type == 2 ? PRIMITIVE_TRIANGLE_STRIP : PRIMITIVE_TRIANGLES)
         << type;
     EXPECT_NE(core.get_indices_ptr(), nullptr);
   }

@@ -37,8 +37,9 @@ TEST(GeometryCoreArrays, SeventeenthArrayIsAWarning) {
   core.alloc_vertex_attrib_arrays(16, 1);
   const LogCapture log(LOG_LEVEL_WARNING);
   EXPECT_EQ(core.alloc_new_vertex_attrib_array(1), nullptr);
-  EXPECT_TRUE(log.contains("Geometry core allocation failed for vertex attrib array 17 - max "
-                           "number of vertex attribs reached (16)"));
+  EXPECT_TRUE(
+      log.contains("Geometry core allocation failed for vertex attrib array 17 - max "
+                   "number of vertex attribs reached (16)"));
   const LogCapture errors(LOG_LEVEL_ERROR);
   EXPECT_EQ(core.alloc_new_vertex_attrib_array(1), nullptr);
   EXPECT_TRUE(errors.lines().empty()) << "no error";
@@ -60,8 +61,9 @@ TEST(GeometryCoreArrays, ArraysThatDontFitAreAnError) {
   GeometryCore core;
   core.alloc_new_vertex_attrib_array(1);
   EXPECT_EQ(core.alloc_new_vertex_attrib_array(0xFFFFFFFFu), nullptr);
-  EXPECT_TRUE(log.contains("Geometry core allocation failed for vertex attrib array 2 - "
-                           "4294967295 vertices required - error: std::bad_alloc"));
+  EXPECT_TRUE(
+      log.contains("Geometry core allocation failed for vertex attrib array 2 - "
+                   "4294967295 vertices required - error: std::bad_alloc"));
   EXPECT_EQ(core.num_attrib_arrays, 1u);
 }
 
@@ -69,9 +71,9 @@ TEST(GeometryCoreArrays, AllArraysTogetherAreLimited) {
   const LogCapture log;
   GeometryCore core;
   core.alloc_params.set_vertex_attrib_dim(0, 1);
-  ASSERT_NE(core.alloc_new_vertex_attrib_array(1), nullptr);
+  ASSERT_NE(core.alloc_new_vertex_attrib_array(4), nullptr);
   EXPECT_EQ(core.alloc_new_vertex_attrib_array(0x7FFFFFFu), nullptr)
-      << "2^31 - 16 bytes alone would fit, but not with 4 more in one buffer";
+      << "2^31 - 16 bytes alone would fit, but not with 16 more in one buffer";
   EXPECT_TRUE(log.contains("error: std::bad_alloc"));
 }
 

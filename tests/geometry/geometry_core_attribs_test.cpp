@@ -10,8 +10,8 @@
 namespace orv {
 namespace {
 
-using test::alloc_vertices;
 using test::ALL_FORMS;
+using test::alloc_vertices;
 using test::VertexForm;
 
 const vec4 ONE_TO_FOUR(1, 2, 3, 4);
@@ -37,17 +37,16 @@ const Attribute STANDARD[] = {
      &GeometryCore::get_position_elt_size, &GeometryCore::get_position_ptr,
      &GeometryCore::update_position_buffer, &GeometryCore::update_position_subbuffer},
     {"uv0", 1, &GeometryCore::set_uv0, &GeometryCore::get_uv0, &GeometryCore::get_uv0_size,
-     &GeometryCore::get_uv0_vector_dim, &GeometryCore::get_uv0_elt_size,
-     &GeometryCore::get_uv0_ptr, &GeometryCore::update_uv0_buffer,
-     &GeometryCore::update_uv0_subbuffer},
+     &GeometryCore::get_uv0_vector_dim, &GeometryCore::get_uv0_elt_size, &GeometryCore::get_uv0_ptr,
+     &GeometryCore::update_uv0_buffer, &GeometryCore::update_uv0_subbuffer},
     {"normal", 2, &GeometryCore::set_normal, &GeometryCore::get_normal,
      &GeometryCore::get_normal_size, &GeometryCore::get_normal_vector_dim,
      &GeometryCore::get_normal_elt_size, &GeometryCore::get_normal_ptr,
      &GeometryCore::update_normal_buffer, &GeometryCore::update_normal_subbuffer},
-    {"color", 3, &GeometryCore::set_color, &GeometryCore::get_color,
-     &GeometryCore::get_color_size, &GeometryCore::get_color_vector_dim,
-     &GeometryCore::get_color_elt_size, &GeometryCore::get_color_ptr,
-     &GeometryCore::update_color_buffer, &GeometryCore::update_color_subbuffer},
+    {"color", 3, &GeometryCore::set_color, &GeometryCore::get_color, &GeometryCore::get_color_size,
+     &GeometryCore::get_color_vector_dim, &GeometryCore::get_color_elt_size,
+     &GeometryCore::get_color_ptr, &GeometryCore::update_color_buffer,
+     &GeometryCore::update_color_subbuffer},
 };
 
 TEST(GeometryCoreAttribs, SettersAndGettersWorkInEveryForm) {

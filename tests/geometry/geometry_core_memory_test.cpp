@@ -12,8 +12,8 @@
 namespace orv {
 namespace {
 
-using test::alloc_vertices;
 using test::ALL_FORMS;
+using test::alloc_vertices;
 using test::is_separate;
 using test::LogCapture;
 using test::VertexForm;

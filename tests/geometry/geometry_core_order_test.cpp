@@ -11,7 +11,6 @@ namespace {
 using test::vtable_slot;
 using test::vtable_slot_of;
 
-
 using Update = bool(const void*);
 using SubUpdate = bool(const void*, unsigned int, unsigned int);
 using Set4 = bool(unsigned int, const vec4&);
@@ -37,12 +36,12 @@ TEST(GeometryCoreOrder, StorageOperationsComeFirst) {
   EXPECT_EQ(n, 16u);
 }
 
-#define ORV_EXPECT_FAMILY(suffix)                                                  \
-  EXPECT_EQ(vtable_slot(&GeometryCore::get_position_##suffix), n++);        \
-  EXPECT_EQ(vtable_slot(&GeometryCore::get_color_##suffix), n++);           \
-  EXPECT_EQ(vtable_slot(&GeometryCore::get_normal_##suffix), n++);          \
-  EXPECT_EQ(vtable_slot(&GeometryCore::get_uv0_##suffix), n++);             \
-  EXPECT_EQ(vtable_slot(&GeometryCore::get_uv1_##suffix), n++);             \
+#define ORV_EXPECT_FAMILY(suffix)                                    \
+  EXPECT_EQ(vtable_slot(&GeometryCore::get_position_##suffix), n++); \
+  EXPECT_EQ(vtable_slot(&GeometryCore::get_color_##suffix), n++);    \
+  EXPECT_EQ(vtable_slot(&GeometryCore::get_normal_##suffix), n++);   \
+  EXPECT_EQ(vtable_slot(&GeometryCore::get_uv0_##suffix), n++);      \
+  EXPECT_EQ(vtable_slot(&GeometryCore::get_uv1_##suffix), n++);      \
   EXPECT_EQ(vtable_slot(&GeometryCore::get_tangent_##suffix), n++)
 
 TEST(GeometryCoreOrder, SizesAndPointersFollow) {

@@ -56,8 +56,8 @@ TEST(GeometryCore, HasItsDefaults) {
 
 TEST(GeometryCore, DescribesFourStandardAttributes) {
   const GeometryCore core;
-  const char* names[6] = {"orvex_Position", "orvex_TexCoord0", "orvex_Normal", "orvex_Color", "",
-                          ""};
+  const char* names[6] = {
+      "orvex_Position", "orvex_TexCoord0", "orvex_Normal", "orvex_Color", "", ""};
   for (int i = 0; i < 6; ++i) {
     EXPECT_STREQ(core.std_attrib_data[i].name, names[i]);
     EXPECT_EQ(core.std_attrib_data[i].location, i < 4 ? i : -1);

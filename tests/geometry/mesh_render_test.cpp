@@ -139,8 +139,8 @@ TEST_F(MeshRender, TexturesWithoutAProgramSwitchFixedTexturingOnAndOff) {
   Material* material = add_material(false);
   material->add_texture(new Texture);
   mesh->_render(&renderer);
-  EXPECT_THAT(renderer.calls(), AllOf(Contains("enable_texture_2d(true)"),
-                                      Contains("enable_texture_2d(false)")));
+  EXPECT_THAT(renderer.calls(),
+              AllOf(Contains("enable_texture_2d(true)"), Contains("enable_texture_2d(false)")));
   EXPECT_EQ(renderer.calls().back(), "enable_texture_2d(false)");
   renderer.clear();
   material->set_gpu_program(program);

@@ -30,7 +30,8 @@ class MeshSubsets : public testing::Test {
     mesh->alloc_vertex_data();
     mesh->alloc_face_data(static_cast<unsigned int>(materials.size()), false);
     for (unsigned int i = 0; i < materials.size(); ++i) {
-      if (materials[i]) EXPECT_TRUE(mesh->set_face_material(materials[i], i));
+      if (!materials[i]) continue;
+      EXPECT_TRUE(mesh->set_face_material(materials[i], i));
     }
   }
   const MaterialSubset& subset(unsigned int i) { return mesh->get_data()->subsets[i]; }

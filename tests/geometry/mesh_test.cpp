@@ -3,7 +3,10 @@
 #include <orv/gpu/gpu_buffer_data.h>
 #include <orv/gpu/material.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "geometry/geometry_support.h"
 #include "support/held.h"

@@ -1,6 +1,7 @@
 #include <orv/geometry/primitives/mesh_box.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "geometry/box_sides.h"
 #include "geometry/primitives/shape_build.h"
@@ -9,9 +10,26 @@ namespace orv {
 
 namespace {
 
-// Product of two vectors, component by component, summed: the length of `size` along an axis.
-float along(const vec3& axis, const vec3& size) {
-  return std::fabs(axis.x) * size.x + std::fabs(axis.y) * size.y + std::fabs(axis.z) * size.z;
+/// Vertex of a side's grid.
+struct SidePlace {
+  float u;  ///< texture coordinates, 0 to 1
+  float v;
+  float across;  ///< the same as -1 to 1, equal on both sides of an edge but for the sign
+  float upward;
+
+  SidePlace(int column, int columns, int row, int rows)
+      : u(share(column, columns)),
+        v(share(row, rows)),
+        across(share(2 * static_cast<std::int64_t>(column) - columns, columns)),
+        upward(share(2 * static_cast<std::int64_t>(row) - rows, rows)) {}
+
+  static float share(std::int64_t part, int whole) {
+    return static_cast<float>(part) / static_cast<float>(whole);
+  }
+};
+
+vec4 place_on_side(const BoxSide& side, const SidePlace& place, const vec3& half) {
+  return vec4((side.normal + side.u * place.across + side.v * place.upward) * half);
 }
 
 }  // namespace
@@ -56,8 +74,7 @@ void MeshBox::for_each_vertex(Visit visit) const {
     const int columns = segments_along(BOX_SIDES[side].u);
     const int rows = segments_along(BOX_SIDES[side].v);
     const auto corner = [&](int column, int row) {
-      visit(vertex++, side, static_cast<float>(column) / static_cast<float>(columns),
-            static_cast<float>(row) / static_cast<float>(rows));
+      visit(vertex++, BOX_SIDES[side], side, SidePlace(column, columns, row, rows));
     };
     for (int row = 0; row < rows; ++row) {
       for (int column = 0; column < columns; ++column) {
@@ -72,27 +89,15 @@ void MeshBox::for_each_vertex(Visit visit) const {
   }
 }
 
-namespace {
-
-/// Place on a side of a box of size `size` around the origin; u and v run from 0 to 1.
-vec4 place_on_side(const BoxSide& side, const vec3& size, float u, float v) {
-  const float across = (u - 0.5f) * along(side.u, size);
-  const float upward = (v - 0.5f) * along(side.v, size);
-  const float outward = 0.5f * along(side.normal, size);
-  return vec4(side.normal * outward + side.u * across + side.v * upward);
-}
-
-}  // namespace
-
 bool MeshBox::update_size(float width, float height, float depth) {
   width_ = width;
   height_ = height;
   depth_ = depth;
   if (!has_shape_vertices(*this, wanted_faces() * 3)) return false;
-  const vec3 size(width_, height_, depth_);
+  const vec3 half(width_ * 0.5f, height_ * 0.5f, depth_ * 0.5f);
   AttribAccess positions(*get_mesh_data(), VERTEX_ATTRIB_POSITION);
-  for_each_vertex([&](unsigned int i, int side, float u, float v) {
-    positions.set(i, place_on_side(BOX_SIDES[side], size, u, v));
+  for_each_vertex([&](unsigned int i, const BoxSide& side, int, const SidePlace& place) {
+    positions.set(i, place_on_side(side, place, half));
   });
   return true;
 }
@@ -100,9 +105,10 @@ bool MeshBox::update_size(float width, float height, float depth) {
 bool MeshBox::update_vertices_uv_tiling(const int tiles[6], const vec2 offsets[6]) {
   if (!tiles || !offsets || !has_shape_vertices(*this, wanted_faces() * 3)) return false;
   AttribAccess uvs(*get_mesh_data(), VERTEX_ATTRIB_UV0);
-  for_each_vertex([&](unsigned int i, int side, float u, float v) {
+  for_each_vertex([&](unsigned int i, const BoxSide&, int side, const SidePlace& place) {
     const float tile = static_cast<float>(tiles[side]);
-    uvs.set(i, vec4(tile * u + offsets[side].x, tile * v + offsets[side].y, 0.0f, 1.0f));
+    const vec2& offset = offsets[side];
+    uvs.set(i, vec4(tile * place.u + offset.x, tile * place.v + offset.y, 0.0f, 1.0f));
   });
   return true;
 }
@@ -125,12 +131,11 @@ bool MeshBox::_build_box() {
 }
 
 bool MeshBox::_build_vertices_list() {
-  const vec3 size(width_, height_, depth_);
+  const vec3 half(width_ * 0.5f, height_ * 0.5f, depth_ * 0.5f);
   {
     ShapeVertices vertices(*get_mesh_data());
-    for_each_vertex([&](unsigned int i, int side, float u, float v) {
-      const BoxSide& at = BOX_SIDES[side];
-      vertices.write(i, place_on_side(at, size, u, v), at.normal, u, v);
+    for_each_vertex([&](unsigned int i, const BoxSide& side, int, const SidePlace& place) {
+      vertices.write(i, place_on_side(side, place, half), side.normal, place.u, place.v);
     });
   }
   FaceAccess faces(*get_mesh_data());

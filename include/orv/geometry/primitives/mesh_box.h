@@ -33,7 +33,7 @@ class ORV_API MeshBox : public Mesh {
  private:
   bool _build_box();
   bool _build_vertices_list();
-  /// Calls visit(vertex, side, u, v) for all vertices in order.
+  /// Calls visit(vertex, side, index of the side, place on it) for all vertices in order.
   template <class Visit>
   void for_each_vertex(Visit visit) const;
   unsigned long long wanted_faces() const;
