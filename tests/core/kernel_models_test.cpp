@@ -6,6 +6,7 @@
 #include <orv/loaders/loader3d.h>
 #include <orv/scene/model.h>
 #include <orv/scene/scene.h>
+#include <orv/scene/scene_mgr.h>
 
 #include "support/temp_folder.h"
 
@@ -148,7 +149,7 @@ TEST_F(KernelModelsTest, FailureKeepsTheMaterialsThatWereThere) {
 
 TEST_F(KernelModelsTest, NullNameReachesNoLoader) {
   insert("FBX", true);
-  Scene* scene = new Scene;
+  Scene* scene = SceneMgr::get()->create_scene();
   EXPECT_EQ(kernel.load_model_from_file(params, nullptr, "", ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file_obj(params, nullptr, "", ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file_lib3ds(params, nullptr, "", ""), nullptr);
@@ -158,7 +159,7 @@ TEST_F(KernelModelsTest, NullNameReachesNoLoader) {
   EXPECT_FALSE(kernel.load_scene_from_file_fbx_v1(scene, nullptr, "", ""));
   EXPECT_FALSE(kernel.load_scene_from_file_fbx_v1(nullptr, "a.fbx", "", ""));
   EXPECT_THAT(calls, IsEmpty());
-  delete scene;
+  SceneMgr::get()->kill_scene(nullptr, scene);
 }
 
 TEST_F(KernelModelsTest, OnlyTheFirstFbxLoaderIsTried) {
@@ -171,12 +172,12 @@ TEST_F(KernelModelsTest, OnlyTheFirstFbxLoaderIsTried) {
 }
 
 TEST_F(KernelModelsTest, ScenesOfFbxFilesTakeEverything) {
-  Scene* scene = new Scene;
+  Scene* scene = SceneMgr::get()->create_scene();
   EXPECT_FALSE(kernel.load_scene_from_file_fbx_v1(scene, "a.fbx", "", ""));
   insert("FBX", true);
   EXPECT_TRUE(kernel.load_scene_from_file_fbx_v1(scene, "a.fbx", "", ""));
   EXPECT_THAT(calls, ElementsAre("FBX scene a.fbx material + mesh + camera"));
-  delete scene;
+  SceneMgr::get()->kill_scene(nullptr, scene);
 }
 
 TEST_F(KernelModelsTest, TypedLoadsNeedTheirCoreLoader) {
@@ -185,9 +186,9 @@ TEST_F(KernelModelsTest, TypedLoadsNeedTheirCoreLoader) {
   EXPECT_EQ(kernel.load_model_from_file_obj(params, "t.obj", dir.c_str(), ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file_stl(params, "t.stl", dir.c_str(), ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file_lib3ds(params, "t.3ds", dir.c_str(), ""), nullptr);
-  Scene* scene = new Scene;
+  Scene* scene = SceneMgr::get()->create_scene();
   EXPECT_FALSE(kernel.load_scene_from_file_lib3ds_v1(scene, "t.3ds", dir.c_str(), ""));
-  delete scene;
+  SceneMgr::get()->kill_scene(nullptr, scene);
 }
 
 TEST_F(KernelModelsTest, ObjLoaderIsChosenByItsName) {

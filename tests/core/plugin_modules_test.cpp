@@ -15,6 +15,7 @@
 #include <orv/render/renderer.h>
 #include <orv/scene/model.h>
 #include <orv/scene/scene.h>
+#include <orv/scene/scene_mgr.h>
 
 #include "support/log_capture.h"
 #include "support/temp_folder.h"
@@ -280,9 +281,9 @@ TEST_F(PluginModules, LoaderModuleServesModelLoading) {
   ASSERT_NE(model, nullptr);
   model->release(nullptr, nullptr);
 
-  Scene* scene = new Scene;
+  Scene* scene = SceneMgr::get()->create_scene();
   EXPECT_TRUE(kernel.load_scene_from_file_fbx_v1(scene, "cloud.points", dir.c_str(), ""));
-  delete scene;
+  SceneMgr::get()->kill_scene(nullptr, scene);
 
   kernel.unload_plugin(plugin);
   EXPECT_EQ(kernel.load_model_from_file(params, "cloud.points", dir.c_str(), ""), nullptr);
