@@ -1,8 +1,11 @@
 #include "image/stb_image_decode.h"
 
+#include "image/bmp_palette.h"
+
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #define STB_IMAGE_STATIC
 #define STB_IMAGE_IMPLEMENTATION
@@ -66,14 +69,18 @@ std::uint64_t count_jpeg_scans(const unsigned char* data, std::size_t size) {
   return scans;
 }
 
+std::uint64_t magnitude(int side) {
+  const std::int64_t wide = side;
+  return static_cast<std::uint64_t>(wide < 0 ? -wide : wide);
+}
+
 bool is_in_proportion(const unsigned char* data, std::size_t size) {
   int width = 0, height = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &width, &height, &channels)) {
     return false;
   }
-  if (width <= 0 || height <= 0) return false;
-  const std::uint64_t pixels =
-      static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+  // The height of a BMP that starts with its upper row is told as a negative number.
+  const std::uint64_t pixels = magnitude(width) * magnitude(height);
   if (pixels > FREE_PIXELS + size * pixels_per_byte(data, size)) return false;
   return pixels * count_jpeg_scans(data, size) <= MAX_JPEG_WORK;
 }
@@ -85,6 +92,14 @@ DecodedImage::~DecodedImage() { stbi_image_free(pixels_); }
 bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels) {
   if (!data || size == 0 || size > INT_MAX || channels < 1 || channels > 4) return false;
   if (!is_in_proportion(data, size)) return false;
+  std::vector<unsigned char> rebuilt;
+  const BmpPalette palette = rebuild_bmp_palette(data, size, &rebuilt);
+  if (palette == BmpPalette::BROKEN) return false;
+  if (palette == BmpPalette::REBUILT) {
+    data = rebuilt.data();
+    size = rebuilt.size();
+    if (size > INT_MAX) return false;
+  }
   int width = 0, height = 0, file_channels = 0;
   unsigned char* pixels = stbi_load_from_memory(data, static_cast<int>(size), &width, &height,
                                                 &file_channels, channels);
