@@ -151,7 +151,9 @@ bool RendererOpenGL::create_vertex_buffer(RendererGpu* gpu, GeometryCore* geomet
     return false;
   }
   geometry->vertex_buffer_id = buffer->buffer_id;
-  geometry->gpu_state.uploaded_vertex_size = buffer->size;
+  geometry->gpu_state.uploaded_vertex_size = size;
+  // A new buffer may get the number of the old one.
+  geometry->gpu_state.vao_serial = 0;
   return true;
 }
 
@@ -193,7 +195,7 @@ bool RendererOpenGL::update_vertex_buffer(GeometryCore* geometry) {
   const GeometryGpuState& state = geometry->gpu_state;
   GpuBufferData* buffer = geometry->vb();
   const bool whole = state.uploaded_serial != geometry->layout_serial ||
-                     state.uploaded_vertex_size < size || buffer->buffer_id == 0;
+                     state.uploaded_vertex_size != size || buffer->buffer_id == 0;
   if (size == 0 || (!whole && !geometry->is_update_vertex_buffer_needed())) return true;
   // The driver refuses to touch a buffer that the host has mapped, persistent mappings apart.
   const bool persistent = buffer->immutable_storage && buffer->map_persistent;
