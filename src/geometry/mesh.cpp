@@ -2,11 +2,8 @@
 
 #include <orv/core/log_mgr.h>
 #include <orv/gpu/gpu_buffer_data.h>
-#include <orv/gpu/material.h>
 #include <orv/render/renderer.h>
 #include <orv/scene/node.h>
-
-#include <vector>
 
 #include "geometry/mesh_user_geometry.h"
 
@@ -26,54 +23,11 @@ Mesh::~Mesh() {
   delete user_geometry_;
 }
 
-namespace {
-
-void copy_materials(Object& target, const Object& source) {
-  std::vector<Material*> materials;
-  for (unsigned int i = 0; i < source.get_num_materials(); ++i) {
-    materials.push_back(source.get_material_by_index(i));
-    materials.back()->add_ref();  // the target may hold the only reference until now
-  }
-  target.remove_all_materials(nullptr, nullptr);
-  for (Material* material : materials) {
-    target.add_material(material, nullptr);
-    material->remove_ref();
-  }
-}
-
-// The object's own state; place in the tree, id and references belong to each node alone.
-void copy_object(Object& target, const Object& source) {
-  target.set_name(source.get_name());
-  target.set_layer(source.get_layer());
-  target.set_user_data_ptr(source.get_user_data_ptr());
-  target.set_render_state(source.get_render_state(), nullptr);
-  target.set_orientation(source.get_orientation());
-  target.set_position(source.get_position());
-  target.set_scale(source.get_scale());
-  target.set_projection_matrix(source.get_projection_matrix(), nullptr);
-  target.set_view_matrix(source.get_view_matrix(), nullptr);
-  target.set_use_generic_vertex_attribs_state(source.get_use_generic_vertex_attribs_state(),
-                                              nullptr);
-  target.set_use_fixed_mvp_matrices_state(source.get_use_fixed_mvp_matrices_state(), nullptr);
-  target.set_display_tripod_state(source.get_display_tripod_state(), nullptr);
-  const vec4& size = source.get_tripod_size();
-  target.set_tripod_size(size.x, size.y, size.z, nullptr);
-  target.set_display_grid_state(source.get_display_grid_state(), nullptr);
-  if (target.get_gpu_program() != source.get_gpu_program()) {
-    target.set_gpu_program(source.get_gpu_program(), nullptr);
-  }
-  copy_materials(target, source);
-  target.bounding_volume_get() = source.bounding_volume_get();
-  target.update_build_state(source.get_build_state());
-}
-
-}  // namespace
-
 Mesh::Mesh(const Mesh& other) : Mesh() { *this = other; }
 
 Mesh& Mesh::operator=(const Mesh& other) {
   if (this == &other) return *this;
-  copy_object(*this, other);
+  copy_state(other);
   _set_mesh_data(nullptr, other.mesh_data_);
   MeshUserGeometry* gathered =
       other.user_geometry_ ? new MeshUserGeometry(*other.user_geometry_) : nullptr;

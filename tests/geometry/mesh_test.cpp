@@ -179,6 +179,42 @@ TEST(Mesh, CopyIsANewNodeThatSharesTheData) {
   material->release(nullptr, nullptr);
 }
 
+TEST(Mesh, CopyTakesTheTransformAndStates) {
+  const Held<Mesh> mesh;
+  mesh->set_orientation_euler_xyz(10, 20, 30);
+  mesh->set_scale(2, 3, 4);
+  mesh->set_use_generic_vertex_attribs_state(false, nullptr);
+  mesh->set_display_grid_state(true, nullptr);
+  mesh->set_render_state(false, nullptr);
+  mesh->update_build_state(false);
+  const Held<Mesh> copy(*mesh);
+  EXPECT_EQ(copy->get_absolute_transform(), mesh->get_absolute_transform());
+  float y = 0;
+  copy->get_orientation_euler_angles(nullptr, &y, nullptr);
+  EXPECT_EQ(y, 20.0f);
+  EXPECT_FALSE(copy->get_use_generic_vertex_attribs_state());
+  EXPECT_TRUE(copy->get_use_fixed_mvp_matrices_state());
+  EXPECT_TRUE(copy->get_display_grid_state());
+  EXPECT_FALSE(copy->get_render_state());
+  EXPECT_FALSE(copy->get_build_state());
+  mat4 matrix;
+  matrix.init_translate(7, 8, 9);
+  mesh->set_transform(matrix);
+  *copy = *mesh;
+  EXPECT_EQ(copy->get_absolute_transform(), matrix) << "a matrix set by hand";
+}
+
+TEST(Mesh, CopyOntoItselfChangesNothing) {
+  const Held<Mesh> mesh;
+  mesh->add_material(new Material, nullptr);
+  mesh->user_geometry_add_vertex(vec4());
+  Mesh& same = *mesh;
+  *mesh = same;
+  EXPECT_EQ(mesh->get_num_materials(), 1u);
+  EXPECT_EQ(mesh->get_data()->get_ref(), 1);
+  EXPECT_EQ(mesh->user_geometry_add_vertex(vec4()), 1u);
+}
+
 // ---- allocation ----
 
 TEST(Mesh, NoVerticesIsReportedWithNameAndId) {

@@ -300,6 +300,12 @@ class ORV_API Object : public Node {
   const vec4& get_global_bounding_sphere_center() const;
   float get_global_bounding_sphere_radius() const;
 
+ protected:
+  /// Takes over all that another object holds for itself: name, transform, states, bounds, program
+  /// and materials, the last two with references of their own. Id, references, type and the place
+  /// in the tree stay. For classes that can be copied.
+  void copy_state(const Object& other);
+
  private:
   template <class Draw>
   void draw_with_fixed_matrices(Renderer* renderer, Draw draw);
