@@ -188,8 +188,9 @@ int PluginMgr::unload_all_plugins() {
     const Identity identity(*plugin);
     plugin->stop();
     plugin->terminate();
-    if (!holds(data_->plugins, plugin)) continue;
-    std::erase(data_->plugins, plugin);
+    const auto entry = std::find(data_->plugins.begin(), data_->plugins.end(), plugin);
+    if (entry == data_->plugins.end()) continue;
+    data_->plugins.erase(entry);
     int references = plugin->dec_ref();
     if (references > 0) {
       data_->left_alive.push_back(plugin);

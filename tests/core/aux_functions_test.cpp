@@ -45,7 +45,8 @@ TEST(ShadowMatrix, ConcatenatesBiasProjectionAndView) {
   mat4 out;
   aux::shadow_mapping_compute_texture_matrix(projection, view, nullptr, nullptr, nullptr, &out);
   EXPECT_EQ(elements(out), elements(numbered(kBias) * projection * view));
-  // One point by hand: view gives (9, 9, 12, 1), projection (18, 36, 41, 12), bias half of that, moved.
+  // One point by hand: view gives (9, 9, 12, 1), projection (18, 36, 41, 12), bias half of that,
+  // moved.
   const vec4 point = out * vec4(1, 2, 3, 1);
   EXPECT_EQ(point.x, 0.5f * 18 + 0.5f * 12);
   EXPECT_EQ(point.y, 0.5f * 36 + 0.5f * 12);

@@ -184,6 +184,14 @@ TEST_F(PluginMgrTest, UnloadAllDropsOneReferenceAndReturnsTheVisitedCount) {
   EXPECT_EQ(manager.unload_all_plugins(), 0);
 }
 
+TEST_F(PluginMgrTest, UnloadAllVisitsEachEntryOfAPluginThatStandsThereTwice) {
+  manager.insert_plugin(insert());
+  LogCapture log;
+  EXPECT_EQ(manager.unload_all_plugins(), 2);
+  EXPECT_EQ(TestPlugin::alive, 0);
+  EXPECT_EQ(log.count("not unloaded: still referenced (1)."), 1);
+}
+
 TEST_F(PluginMgrTest, UnloadAllSurvivesAStopThatUnloadsOthers) {
   TestPlugin* first = insert("first");
   TestPlugin* second = insert("second");

@@ -343,6 +343,14 @@ TEST_F(VulkanModule, RendererIsLoadedOnceAndInitialised) {
   EXPECT_EQ(plugins.get_num_plugins(), 0u);
 }
 
+TEST_F(VulkanModule, InitAnswersWhatTheRendererSays) {
+  install("renderer_vk");
+  setenv("ORV_TEST_REFUSE", "1", 1);
+  EXPECT_FALSE(aux::vk_init());
+  unsetenv("ORV_TEST_REFUSE");
+  EXPECT_EQ(plugins.get_num_plugins(), 1u);
+}
+
 TEST_F(VulkanModule, RendererOfAnotherApiIsUnloadedAgain) {
   install("renderer_gl");
   EXPECT_FALSE(aux::vk_init());

@@ -3,6 +3,8 @@
 #include <orv/core/api.h>
 #include <orv/render/renderer_null.h>
 
+#include <cstdlib>
+
 namespace {
 
 class TestRenderer : public orv::RendererNull {
@@ -11,6 +13,11 @@ class TestRenderer : public orv::RendererNull {
     set_name("test renderer");
     set_type(orv::PLUGIN_TYPE_RENDERER);
     set_api_type(static_cast<orv::ORV_API3D>(ORV_TEST_API_TYPE));
+  }
+
+  /// Refuses while the environment says so.
+  bool initialize() override {
+    return std::getenv("ORV_TEST_REFUSE") == nullptr && RendererNull::initialize();
   }
 };
 
