@@ -1,0 +1,9 @@
+#pragma once
+
+namespace orv_app {
+
+/// Writes RGBA bytes, bottom row first as a renderer reads them back, as an opaque PNG file.
+/// False when the file cannot be written.
+bool write_png(const char* path, const unsigned char* rgba, int width, int height);
+
+}  // namespace orv_app

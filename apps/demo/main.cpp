@@ -1,0 +1,104 @@
+// Renders the demo scene to a picture; with a display also shows it in a window.
+#include <orv/orv.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "common/png_writer.h"
+#include "demo_scene.h"
+#include "desktop_window.h"
+#include "orbit.h"
+
+namespace {
+
+constexpr int width = 1280;
+constexpr int height = 720;
+
+struct Options {
+  std::string output = "demo.png";
+  bool headless = false;
+};
+
+bool parse(int argc, char** argv, Options* options) {
+  for (int i = 1; i < argc; ++i) {
+    if (!std::strcmp(argv[i], "--headless")) {
+      options->headless = true;
+    } else if (!std::strcmp(argv[i], "--output") && i + 1 < argc) {
+      options->output = argv[++i];
+    } else {
+      std::fprintf(stderr, "usage: orv-demo [--headless] [--output FILE.png]\n");
+      return false;
+    }
+  }
+  return true;
+}
+
+bool create_context(orv::Renderer* renderer, orv::OffscreenWindow& surface) {
+  orv::RenderWindowData data;
+  data.native_window = surface.native_handle();
+  data.gl_major = 3;
+  data.core_profile = true;
+  std::snprintf(data.msaa, sizeof(data.msaa), "4X MSAA");
+  orv::RenderWindow* window = renderer->render_window_alloc();
+  return renderer->render_window_create_context(window, &data, nullptr) && renderer->start();
+}
+
+// Draws one frame off screen and writes it to a file.
+bool render_picture(orv::Renderer* renderer, const Options& options) {
+  const auto begin = std::chrono::steady_clock::now();
+  orv::OffscreenWindow surface(width, height);
+  if (!create_context(renderer, surface)) {
+    std::fprintf(stderr, "no OpenGL context: install the package libgl1-mesa-dri\n");
+    return false;
+  }
+  demo::DemoScene scene;
+  std::string reason;
+  bool done = scene.create(renderer, DEMO_DATA_DIR, &reason);
+  if (done) {
+    orv::Camera camera;
+    demo::Orbit().place(camera);
+    scene.draw(renderer, camera, width, height);
+    std::vector<unsigned char> pixels(std::size_t{width} * height * 4);
+    renderer->read_back_buffer_rect_rgba(pixels.data(), 0, 0, width, height);
+    done = renderer->check_gl_error(true, "demo") == 0;
+    reason = "OpenGL reported an error";
+    if (done && !orv_app::write_png(options.output.c_str(), pixels.data(), width, height)) {
+      done = false;
+      reason = "cannot write " + options.output;
+    }
+  }
+  scene.destroy(renderer);
+  renderer->stop();
+  renderer->render_window_free_all();
+  if (!done) {
+    std::fprintf(stderr, "%s\n", reason.c_str());
+    return false;
+  }
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+  std::printf("%s (%dx%d, rendered in %.2f s)\n", options.output.c_str(), width, height,
+              took.count());
+  std::fflush(stdout);
+  return true;
+}
+
+void print_problem(const char* text, void*) { std::fprintf(stderr, "%s\n", text); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  if (!parse(argc, argv, &options)) return 2;
+  orv::core::start(nullptr, true, print_problem, nullptr);
+  orv::core::log_get_default()->set_trace_level_threshold(orv::LOG_LEVEL_WARNING);
+  orv::Renderer* renderer = orv::Kernel::get()->load_core_opengl_renderer_plugin(true);
+  renderer->initialize();
+  const bool done = render_picture(renderer, options);
+  if (done && !options.headless && demo::has_display()) {
+    demo::run_in_window(renderer, DEMO_DATA_DIR);
+  }
+  orv::core::stop(nullptr);
+  return done ? 0 : 1;
+}

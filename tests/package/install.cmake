@@ -1,0 +1,8 @@
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
+file(REMOVE_RECURSE ${PREFIX})
+must(${CMAKE_COMMAND} --install ${BUILD} --prefix ${PREFIX})
+foreach(file include/orv/orv.h include/orv/render/renderer_ops.inc)
+  if(NOT EXISTS ${PREFIX}/${file})
+    message(FATAL_ERROR "not installed: ${file}")
+  endif()
+endforeach()

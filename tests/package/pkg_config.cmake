@@ -1,0 +1,11 @@
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
+file(GLOB_RECURSE pc ${PREFIX}/*/orv.pc)
+get_filename_component(folder ${pc} DIRECTORY)
+get_filename_component(libraries ${folder} DIRECTORY)
+set(ENV{PKG_CONFIG_PATH} ${folder})
+must(pkg-config --define-variable=prefix=${PREFIX} --cflags --libs orv)
+string(STRIP "${must_output}" flags)
+separate_arguments(flags)
+must(${CXX} -std=c++17 ${SOURCE}/tests/package/host/host.cpp -o ${WORK}/host_by_pkg_config ${flags}
+  -Wl,-rpath,${libraries})
+must_draw(${WORK}/host_by_pkg_config)
