@@ -19,8 +19,6 @@ class ORV_API Loader3D_OBJ_V2 : public Loader3D {
   /// arguments, for a name that does not end in "obj" in any case or has fewer than five
   /// characters, and, with an error in the log, when tinyobjloader refuses the file. Its warnings
   /// are logged as errors too.
-  ///
-  /// A directory with ':' in its name finds no material libraries.
   bool load_model(Model* model, const char* filename) override;
 
   /// False: the format holds no scenes.

@@ -1,0 +1,50 @@
+#include <orv/loaders/loader3d_obj.h>
+
+#include <string>
+#include <vector>
+
+#include "core/core_author.h"
+#include "core/read_file.h"
+#include "loaders/loader_names.h"
+#include "loaders/obj_model_builder.h"
+#include "loaders/obj_parser.h"
+
+namespace orv {
+
+Loader3D_OBJ::Loader3D_OBJ() {
+  set_name("ObjLoaderV1");
+  set_description("OBJ 3D loader (core plugin).");
+  set_author(CORE_AUTHOR);
+  set_build_info(detail::loader_build_info().c_str());
+  set_version(0, 1, 0);
+}
+
+Loader3D_OBJ::~Loader3D_OBJ() = default;
+
+bool Loader3D_OBJ::load_model(Model* model, const char* filename) {
+  if (!model || !detail::ends_in_letters(filename, "obj")) return false;
+  const std::string directory = get_model_dir();
+  const std::string path = directory + filename;
+  detail::ObjDocument document;
+  {
+    // The text goes before the meshes are made, which need much memory themselves.
+    std::vector<unsigned char> text;
+    if (!detail::read_whole_file(path.c_str(), text)) {
+      tracef_debug("can't read %s", path.c_str());
+      return false;
+    }
+    const auto read_library = [&](const std::string& name, std::vector<unsigned char>& library) {
+      if (detail::read_whole_file((directory + name).c_str(), library)) return true;
+      tracef_debug("%s: can't read material library %s", path.c_str(), name.c_str());
+      return false;
+    };
+    detail::parse_obj({reinterpret_cast<const char*>(text.data()), text.size()}, read_library,
+                      document);
+  }
+  detail::build_obj_model(document, *model);
+  return true;
+}
+
+bool Loader3D_OBJ::load_scene(Scene*, const char*, const char*) { return false; }
+
+}  // namespace orv
