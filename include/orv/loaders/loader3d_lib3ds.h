@@ -10,11 +10,13 @@ namespace orv {
 
 /// Core loader "ORV_plugin_core_lib3ds". Reads materials, meshes and cameras of 3DS files through
 /// lib3ds and makes one Mesh for each object node of the key-frame section, or one for each mesh
-/// when there are no nodes. The file's Z axis becomes the Y axis: (x, y, z) is stored as (x, z, -y).
+/// when there are no nodes. The file's Z axis becomes the Y axis: (x, y, z) is stored as (x, z,
+/// -y).
 ///
 /// Nodes are placed as they stand at frame 0; lights and the further key frames are not used.
 /// Materials, meshes and cameras come in alphabetical order, not in the file's. Files are checked
-/// before lib3ds sees them: damaged parts are left out, and what is whole is loaded.
+/// before lib3ds sees them: one that is cut short or whose lengths disagree is refused, and faces
+/// that name missing vertices and nodes that are their own ancestors are left out.
 class ORV_API Loader3D_Lib3ds : public Loader3D {
  public:
   Loader3D_Lib3ds();
