@@ -73,6 +73,7 @@ void Camera::build_projection_persp_v2(float fov, bool fov_is_vertical, float as
   } else {
     d.projection_matrix.buildLHPerspectiveProjectionMatrix(fov, aspect, znear, zfar);
   }
+  d.planes_from_file = false;
   d.fov = fov;
   d.tan_fov_div_2 = tan_half(fov);
   d.fov_is_vertical = fov_is_vertical;
@@ -138,11 +139,13 @@ bool Camera::update_projection_matrix() {
   CameraData& d = *data_;
   if (!d.projection_dirty || !d.perspective) return false;
   // Setters speak of a vertical field of view, whatever the last build was given.
+  const CameraData::Planes planes = d.usable_planes();
   if (d.proj_rh) {
-    d.projection_matrix.buildRHPerspectiveProjectionMatrix(d.fov, d.aspect, d.znear, d.zfar,
-                                                           INFINITE_FAR_EPSILON);
+    d.projection_matrix.buildRHPerspectiveProjectionMatrix(d.fov, d.aspect, planes.znear,
+                                                           planes.zfar, INFINITE_FAR_EPSILON);
   } else {
-    d.projection_matrix.buildLHPerspectiveProjectionMatrix(d.fov, d.aspect, d.znear, d.zfar);
+    d.projection_matrix.buildLHPerspectiveProjectionMatrix(d.fov, d.aspect, planes.znear,
+                                                           planes.zfar);
   }
   projection_built();
   d.view_projection_dirty = true;

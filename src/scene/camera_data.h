@@ -5,6 +5,7 @@
 #include <orv/math/mat4.h>
 #include <orv/math/quat.h>
 #include <orv/math/vec4.h>
+#include <orv/scene/camera.h>
 #include <orv/scene/viewport.h>
 
 #include <cmath>
@@ -18,6 +19,20 @@ inline float tan_half(float degrees) {
 
 /// The private block of a Camera.
 struct CameraData {
+  static CameraData& of(Camera& camera) { return *camera.data_; }
+
+  /// The planes as the projection is built from them.
+  struct Planes {
+    float znear;
+    float zfar;
+  };
+  Planes usable_planes() const {
+    return planes_from_file ? usable_file_planes(znear, zfar) : Planes{znear, zfar};
+  }
+  static Planes usable_file_planes(float z_near, float z_far) {
+    return z_near > 0.0f && z_far > z_near ? Planes{z_near, z_far} : Planes{1.0f, 1000.0f};
+  }
+
   Viewport viewport;
 
   float fov = 60.0f;
@@ -25,6 +40,7 @@ struct CameraData {
   float aspect = 1.7777778f;
   float znear = 1.0f;
   float zfar = 1000.0f;
+  bool planes_from_file = false;  // files may leave both planes at 0
   bool fov_is_vertical = true;
   bool perspective = true;
   bool projection_dirty = true;

@@ -212,6 +212,8 @@ class ORV_API Camera : public Object {
   void store_position(const vec4& position);
   void strafe(const vec4& delta, bool move_lookat);
 
+  friend struct CameraData;
+
   CameraData* data_;
 };
 
