@@ -12,9 +12,12 @@
 #include <orv/render/renderer.h>
 #include <orv/render/renderer_rasterizer_state.h>
 
+#include "render/opengl/core_lines.h"
 #include "render/opengl/gl_facts.h"
 #include "render/opengl/gl_loader.h"
+#include "render/opengl/gl_questions.h"
 #include "render/opengl/gl_table.h"
+#include "render/opengl/gl_texture_enums.h"
 
 namespace orv {
 
@@ -56,14 +59,18 @@ struct GlUsageOptions {
   unsigned int values[COUNT] = {};  ///< by their number; the others are only kept
 };
 
-/// What stands in for the fixed pipeline in one core profile context: a program that colours
-/// vertices, and a small buffer for lines.
-struct GlCoreColorProgram;
+/// Ids of the textures bound to the targets of one unit, in the order of GL_TEXTURE_TARGETS.
+struct GlUnitBindings {
+  unsigned int ids[7] = {};
+};
 
 /// Texture units and what is bound to them.
 struct GlTextureUnits {
   unsigned int current = 0;
-  std::vector<unsigned int> bound;  ///< texture id by unit
+  std::vector<unsigned int> bound;        ///< id of the texture bound last, by unit
+  std::vector<GlUnitBindings> by_target;  ///< as long as bound
+
+  bool has(unsigned int unit) const { return unit < bound.size(); }
 };
 
 /// Implementation of Renderer over OpenGL: see renderer.h for what the operations do. The methods
@@ -117,19 +124,19 @@ class RendererOpenGL : public Renderer {
   void decide_paths(RenderWindow* window);
   void clear_tables();
 
-  // ---- gl_loader.cpp ----
+  // ---- windows.cpp ----
   GlProcAddress find_proc_address() const;
+  detail::GlQuestions find_questions() const;
   bool has_current_context() const;
 
   // ---- limits.cpp ----
   void register_capabilities();
-  int read_integer(GLenum name);
-  int read_vendor_integer(const char* extension, GLenum name);
+  int read_integer(unsigned int name);
+  int read_vendor_integer(const char* extension, unsigned int name);
+  bool read_capability(RendererCapability* record);
+  unsigned int read_amd_gpu_ids(unsigned int* ids, unsigned int max_count);
 
   // ---- extensions.cpp ----
-  void append_extension(const char* name, std::size_t length);
-  void append_extension_list(const char* names);
-  void append_gl_extensions();
   void append_window_system_extensions(const RenderWindow* window);
 
   // ---- diagnostics.cpp ----
@@ -137,9 +144,8 @@ class RendererOpenGL : public Renderer {
   void log_error(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   /// Takes pending errors away, such as those that questions to older drivers raise.
   void swallow_gl_errors();
-  const char* get_gl_text(GLenum name);
+  const char* get_gl_text(unsigned int name);
 
-  // ---- windows.cpp ----
   detail::ContextBackEnd* back_end_for(const RenderWindowData& data) const;
   bool create_context(RenderWindow* window, RenderWindow* shared);
 
@@ -167,13 +173,21 @@ class RendererOpenGL : public Renderer {
   GlCoreColorProgram* core_color_program();
   bool begin_core_color_program();
   void end_core_color_program();
+  void release_core_color_program();
   void draw_core_line(const vec4& p0, const vec4& p1, const vec4& color0, const vec4& color1);
+
+  // ---- contexts.cpp ----
   /// Number of the context that is current, as far as windows of this renderer tell.
-  unsigned int current_context_id() const;
-  /// Gives the window's fresh context a number of its own.
-  void note_new_context(const RenderWindow* window);
-  /// Forgets what was made for contexts that are gone; deletes nothing.
-  void forget_context_objects();
+  unsigned int current_context_id() const { return current_context_id_; }
+  /// To be told of every context that this renderer makes, binds, unbinds (null), destroys, saves
+  /// and restores, so that objects which contexts don't share are kept apart.
+  void note_context_created(const RenderWindow* window);
+  void note_context_bound(const RenderWindow* window);
+  void note_context_destroyed(const RenderWindow* window);
+  void note_context_saved(const RenderWindow* window);
+  void note_context_restored(const RenderWindow* window);
+  /// Deletes what was made for the current context, forgets what was made for others.
+  void release_context_objects();
 
   // ---- geometry.cpp ----
   bool create_vertex_buffer(RendererGpu* gpu, GeometryCore* geometry);
@@ -224,6 +238,10 @@ class RendererOpenGL : public Renderer {
   bool begin_query(unsigned int target, unsigned int id);
   bool end_query(unsigned int target);
 
+  // ---- bitmap_fonts.cpp ----
+  bool draw_bitmap_text(const FontData* font, float x, float y, float z, const char* text,
+                        unsigned int length);
+
   // ---- programs.cpp ----
   bool has_link(const GpuProgramData* program) const;
   bool create_program_object(GpuProgramData* program);
@@ -249,6 +267,76 @@ class RendererOpenGL : public Renderer {
   bool read_active_uniforms(GpuProgramData* program, const char** names, unsigned int count,
                             unsigned int what, int missing, int* out);
 
+  // ---- texture_units.cpp ----
+  void select_unit(unsigned int unit);
+  void bind_texture(unsigned int unit, unsigned int target, unsigned int id);
+  bool bind_texture_id(unsigned int target, unsigned int id, unsigned int unit);
+  void forget_texture(unsigned int id);
+  void delete_texture_id(unsigned int* id);
+  bool has_texture_target(unsigned int target) const;
+  int read_image_units();
+  void clear_image_unit(unsigned int unit);
+  class TextureBinding;
+
+  // ---- texture_load.cpp ----
+  bool load_texture(TextureData* texture, unsigned int unit);
+  unsigned int choose_internal_format(const TextureData& texture,
+                                      const detail::GlPixelFormat& format);
+  bool is_compression_supported(detail::GlCompressionGroup group);
+  bool stage_pixels(TextureData* texture);
+  void specify_texture(TextureData* texture, const void* pixels);
+  void specify_cube(const TextureData& texture, unsigned int internal_format);
+  void specify_layers(const TextureData& texture, const detail::GlPixelFormat& format,
+                      unsigned int internal_format);
+  void apply_mipmaps(TextureData* texture);
+  void end_upload();
+
+  // ---- texture_update.cpp ----
+  bool is_updatable(TextureData* texture, TEXTURE_TYPE type);
+  bool is_specified_anew(TextureData* texture);
+  void refresh_mipmaps(const TextureData& texture);
+  void update_faces(const TextureData& texture);
+  bool read_texture(TextureData* texture, TEXTURE_TYPE type);
+
+  // ---- texture_targets.cpp ----
+  bool create_texture_by_id(unsigned int* id, unsigned int target, int width, int height,
+                            PIXEL_FORMAT format, const void* pixels,
+                            SAMPLER_FILTERING_MODE filtering, SAMPLER_ADDRESSING_MODE addressing);
+  void release_texture_handle(TextureData* texture);
+  bool view_render_target(TextureData* texture, const GpuRenderTarget& target, unsigned int id);
+
+  // ---- render_targets.cpp ----
+  struct TargetOptions;
+  bool begin_target(GpuRenderTarget* target, const TargetOptions& options);
+  bool init_texture_target(GpuRenderTarget* target, const TargetOptions& options);
+  bool finish_target(GpuRenderTarget* target, const char* kind);
+  unsigned int limit_color_targets(unsigned int count);
+  int limit_samples(int samples, bool as_texture, bool integer);
+  void set_draw_buffers(unsigned int count);
+  void attach_target(const GpuRenderTarget& target);
+
+  // ---- render_target_storage.cpp ----
+  unsigned int create_target_texture(const GpuRenderTarget& target, bool depth, unsigned int unit);
+  void store_target_texture(const GpuRenderTarget& target, bool depth);
+  unsigned int create_renderbuffer(const GpuRenderTarget& target, unsigned int internal_format);
+  void store_renderbuffer(const GpuRenderTarget& target, unsigned int id,
+                          unsigned int internal_format);
+  void attach_texture(unsigned int attachment, unsigned int gl_target, unsigned int id);
+  void attach_renderbuffer(unsigned int attachment, unsigned int id);
+
+  // ---- render_target_io.cpp, framebuffers.cpp ----
+  bool read_target(GpuRenderTarget* target, unsigned char* pixels, unsigned int format);
+  class FramebufferBinding;
+  struct BlitSide;
+  BlitSide blit_side(const GpuRenderTarget* target);
+  BlitSide blit_side_of_id(unsigned int id);
+  bool blit(const BlitSide& source, const BlitSide& target, bool color, bool depth, bool linear);
+  void blit_color(const BlitSide& source, const BlitSide& target, bool linear);
+
+  // ---- shadow_maps.cpp ----
+  void set_shadow_cull(int mode);
+  bool set_compare_mode(TextureData* depth, unsigned int unit, bool compare);
+
   // ---- data ----
   GlTable gl_;        // beyond OpenGL 1.1
   GlCoreTable core_;  // OpenGL 1.1
@@ -266,8 +354,10 @@ class RendererOpenGL : public Renderer {
   std::unordered_map<unsigned int, std::vector<unsigned int>> failed_shaders_;
   std::unordered_map<unsigned int, std::unique_ptr<GlCoreColorProgram>> core_color_programs_;
   std::unordered_map<unsigned int, unsigned int> scratch_vertex_arrays_;  // by context
-  std::unordered_map<int, unsigned int> context_ids_;                     // by window id
+  std::unordered_map<int, unsigned int> context_ids_;        // by window id
+  std::unordered_map<int, unsigned int> saved_context_ids_;  // by window id
   unsigned int last_context_id_ = 1;
+  unsigned int current_context_id_ = 1;
 
   bool log_gl_functions_ = false;
   bool radeon_workaround_ = true;
