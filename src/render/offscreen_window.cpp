@@ -47,6 +47,7 @@ int OffscreenWindow::get_height() const {
 
 bool OffscreenWindow::resize(int width, int height) {
   if (width < 1 || height < 1) return false;
+  if (width > detail::MAX_OFFSCREEN_SIZE || height > detail::MAX_OFFSCREEN_SIZE) return false;
   const Lock lock(OffscreenRegistry::get().mutex());
   if (data_->surface && !detail::resize_offscreen_surface(data_, width, height)) return false;
   data_->width = width;

@@ -28,7 +28,7 @@ class ORV_API OffscreenWindow {
     SOFTWARE   ///< the software device
   };
 
-  /// Sizes in pixels; below 1 they count as 1.
+  /// Sizes in pixels; below 1 they count as 1. Above 16384 there will be no context.
   OffscreenWindow(int width, int height, Preference preference = ANY);
   ~OffscreenWindow();
   OffscreenWindow(const OffscreenWindow&) = delete;
@@ -39,7 +39,7 @@ class ORV_API OffscreenWindow {
   int get_width() const;
   int get_height() const;
   /// Changes the size. The contents are lost; the context stays, and stays current. False for sizes
-  /// below 1 and where the driver cannot give such a surface; then nothing changes.
+  /// below 1 or above 16384 and where the driver cannot give such a surface; then nothing changes.
   bool resize(int width, int height);
 
  private:

@@ -44,7 +44,7 @@ void follow_size(RenderWindow* window, WindowSurface* surface) {
 
 // Binds a context to a surface, or unbinds it, and remembers the thread.
 bool bind(WindowSurface* surface, void* context) {
-  if (!surface->back_end->make_current(*surface, context)) return false;
+  if (!detail::bind_context(*surface, context)) return false;
   surface->current_on = context ? std::this_thread::get_id() : std::thread::id();
   return true;
 }
@@ -245,12 +245,7 @@ bool RendererOpenGL::render_window_restore_saved_context(RenderWindow* window) {
   const RenderWindowContextRecord* record = record_of(window);
   if (!record || !record->saved_context || !window->saved_device) return false;
   auto* surface = static_cast<WindowSurface*>(window->saved_device);
-  // Window systems do not always take a context of another one away.
-  ContextBackEnd* bound = detail::current_back_end();
-  if (bound && bound != surface->back_end) {
-    if (WindowSurface* own = detail::surface_of(window)) bound->make_current(*own, nullptr);
-  }
-  if (!surface->back_end->make_current(*surface, record->saved_context)) return false;
+  if (!detail::bind_context(*surface, record->saved_context)) return false;
   note_context_restored(window);
   return true;
 }

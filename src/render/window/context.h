@@ -92,6 +92,10 @@ ContextBackEnd& egl_back_end();
 /// The back end with a context current on this thread, or null.
 ContextBackEnd* current_back_end();
 
+/// Binds a context to a surface on this thread; null unbinds what is bound. A current context of
+/// another window system is unbound first: systems do not take each other's away.
+bool bind_context(WindowSurface& surface, void* context);
+
 /// The window system's side of a window that has a context; null for null and without one.
 WindowSurface* surface_of(const RenderWindow* window);
 

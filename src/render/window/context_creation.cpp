@@ -62,7 +62,7 @@ CreatedContext create_context(WindowSurface& surface, RenderWindowData* data,
   if (!choose_format(surface, *data) || !back_end->set_format(surface)) return created;
   created.context = create(surface, ContextRequest(), nullptr);
   if (!created.context) return created;
-  if (!back_end->make_current(surface, created.context)) {
+  if (!bind_context(surface, created.context)) {
     back_end->destroy_context(surface, created.context);
     created.context = nullptr;
     return created;
@@ -138,7 +138,7 @@ void* recreate_shared(WindowSurface& surface, void* context, void* source) {
   if (surface.current_on != nowhere && surface.current_on != std::this_thread::get_id()) {
     return nullptr;
   }
-  if (!was_current && !back_end->make_current(surface, context)) return nullptr;
+  if (!was_current && !bind_context(surface, context)) return nullptr;
   const bool empty = is_current_context_empty(back_end);
   back_end->make_current(surface, nullptr);
   void* shared = empty ? back_end->create_context(surface, surface.made, source) : nullptr;

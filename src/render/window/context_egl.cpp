@@ -20,14 +20,15 @@ using Lock = std::lock_guard<std::recursive_mutex>;
 
 // ---- the library -----------------------------------------------------------------------------
 
-#define ORV_EGL_FUNCTIONS(F)                                                                       \
-  F(eglGetProcAddress)                                                                             \
-  F(eglGetError)                                                                                   \
-  F(eglGetDisplay) F(eglInitialize) F(eglQueryString) F(eglBindAPI) F(eglQueryAPI)                 \
-      F(eglGetConfigs) F(eglChooseConfig) F(eglGetConfigAttrib) F(eglCreateContext)                \
-          F(eglDestroyContext) F(eglMakeCurrent) F(eglCreatePbufferSurface) F(eglDestroySurface)   \
-              F(eglSwapBuffers) F(eglSwapInterval) F(eglGetCurrentContext) F(eglGetCurrentDisplay) \
-                  F(eglGetCurrentSurface)
+#define ORV_EGL_FUNCTIONS(F)                                                                   \
+  F(eglGetProcAddress)                                                                         \
+  F(eglGetError)                                                                               \
+  F(eglGetDisplay)                                                                             \
+  F(eglInitialize)                                                                             \
+  F(eglQueryString) F(eglBindAPI) F(eglQueryAPI) F(eglGetConfigs) F(eglChooseConfig)           \
+      F(eglGetConfigAttrib) F(eglCreateContext) F(eglDestroyContext) F(eglMakeCurrent)         \
+          F(eglCreatePbufferSurface) F(eglDestroySurface) F(eglSwapBuffers) F(eglSwapInterval) \
+              F(eglGetCurrentContext) F(eglGetCurrentDisplay) F(eglGetCurrentSurface)
 
 struct EglLibrary {
 #define ORV_EGL_MEMBER(name) decltype(&::name) name = nullptr;
@@ -230,6 +231,11 @@ OffscreenWindowData* window_of(const EglWindowSurface& surface) {
 
 EGLSurface create_pbuffer(const EglLibrary& egl, EGLDisplay display, EGLConfig config, int width,
                           int height) {
+  // Some drivers take any size and fail when the memory is touched.
+  if (width > MAX_OFFSCREEN_SIZE || height > MAX_OFFSCREEN_SIZE) {
+    LogMgr::get().tracef_debug("EGL: a surface of %dx%d is too large", width, height);
+    return EGL_NO_SURFACE;
+  }
   const EGLint attributes[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
   const EGLSurface surface = egl.eglCreatePbufferSurface(display, config, attributes);
   if (surface == EGL_NO_SURFACE) {

@@ -18,20 +18,22 @@ namespace {
 
 // ---- the libraries ---------------------------------------------------------------------------
 
-#define ORV_X11_FUNCTIONS(F)                                                                   \
-  F(XSync)                                                                                     \
-  F(XFree)                                                                                     \
-  F(XSetErrorHandler) F(XOpenDisplay) F(XCloseDisplay) F(XGetWindowAttributes) F(XGetGeometry) \
-      F(XCreateColormap) F(XFreeColormap) F(XCreateWindow) F(XDestroyWindow) F(XMapWindow)     \
-          F(XResizeWindow) F(XVisualIDFromVisual) F(XScreenNumberOfScreen)
+#define ORV_X11_FUNCTIONS(F)                                                                  \
+  F(XSync)                                                                                    \
+  F(XFree)                                                                                    \
+  F(XSetErrorHandler)                                                                         \
+  F(XOpenDisplay) F(XCloseDisplay) F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) \
+      F(XFreeColormap) F(XCreateWindow) F(XDestroyWindow) F(XMapWindow) F(XResizeWindow)      \
+          F(XVisualIDFromVisual) F(XScreenNumberOfScreen)
 
-#define ORV_GLX_FUNCTIONS(F)                                                                      \
-  F(glXQueryExtension)                                                                            \
-  F(glXGetFBConfigs)                                                                              \
-  F(glXGetFBConfigAttrib) F(glXGetVisualFromFBConfig) F(glXCreateNewContext) F(glXDestroyContext) \
-      F(glXMakeContextCurrent) F(glXSwapBuffers) F(glXGetCurrentContext) F(glXGetCurrentDisplay)  \
-          F(glXGetCurrentDrawable) F(glXGetCurrentReadDrawable) F(glXQueryExtensionsString)       \
-              F(glXQueryDrawable) F(glXGetProcAddressARB)
+#define ORV_GLX_FUNCTIONS(F)                                                                       \
+  F(glXQueryExtension)                                                                             \
+  F(glXGetFBConfigs)                                                                               \
+  F(glXGetFBConfigAttrib)                                                                          \
+  F(glXGetVisualFromFBConfig) F(glXCreateNewContext) F(glXDestroyContext) F(glXMakeContextCurrent) \
+      F(glXSwapBuffers) F(glXGetCurrentContext) F(glXGetCurrentDisplay) F(glXGetCurrentDrawable)   \
+          F(glXGetCurrentReadDrawable) F(glXQueryExtensionsString) F(glXQueryDrawable)             \
+              F(glXGetProcAddressARB)
 
 struct GlxLibrary {
 #define ORV_MEMBER(name) decltype(&::name) name = nullptr;
@@ -327,6 +329,8 @@ class GlxBackEnd : public ContextBackEnd {
     const GlxWindowSurface& mine = own(surface);
     const GlxLibrary& glx = *glx_library();
     XErrorTrap trap(glx, mine.display);
+    // Drivers may bind to a window that is gone; drawing to it would be an X error later.
+    if (context && !mine.host_made && !is_alive(mine, &trap)) return false;
     const ::GLXDrawable draw = context ? mine.draw : 0;
     const ::GLXDrawable read = context ? mine.read : 0;
     const bool bound = glx.glXMakeContextCurrent(mine.display, draw, read,
@@ -462,6 +466,13 @@ class GlxBackEnd : public ContextBackEnd {
     }
     attributes.push_back(0);
     return create(mine.display, mine.config, share, True, attributes.data());
+  }
+
+  static bool is_alive(const GlxWindowSurface& surface, XErrorTrap* trap) {
+    ::XWindowAttributes attributes = {};
+    const int known =
+        glx_library()->XGetWindowAttributes(surface.display, surface.draw, &attributes);
+    return !trap->failed("looking at the window") && known;
   }
 
   static bool read_host_size(const GlxWindowSurface& mine, int* width, int* height) {

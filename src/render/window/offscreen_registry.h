@@ -24,6 +24,8 @@ struct OffscreenWindowData {
 
 namespace detail {
 
+constexpr int MAX_OFFSCREEN_SIZE = 16384;
+
 /// Finds offscreen windows by handle. All access to their data holds the lock.
 class OffscreenRegistry {
  public:
