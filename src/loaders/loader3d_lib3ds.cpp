@@ -433,6 +433,7 @@ Loader3D_Lib3ds::Loader3D_Lib3ds() {
   set_description("Lib3ds loader (core plugin).");
   set_author(CORE_AUTHOR);
   set_build_info(detail::loader_build_info().c_str());
+  set_version(0, 1, 0);
 }
 
 Loader3D_Lib3ds::~Loader3D_Lib3ds() = default;
