@@ -31,6 +31,10 @@ void convert_pixels(const void* source_pixels, void* target_pixels, std::size_t 
   constexpr Target OPAQUE = std::is_same_v<Target, float> ? Target{1} : Target(255);
   const Source* source = static_cast<const Source*>(source_pixels);
   Target* target = static_cast<Target*>(target_pixels);
+  if constexpr (std::is_same_v<Source, Target> && SOURCE_CHANNELS == TARGET_CHANNELS) {
+    std::memcpy(target, source, count * SOURCE_CHANNELS * sizeof(Source));
+    return;
+  }
   for (std::size_t i = 0; i < count; ++i) {
     for (int c = 0; c < TARGET_CHANNELS; ++c) {
       target[c] = c == 3 ? OPAQUE : Target{0};

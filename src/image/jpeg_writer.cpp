@@ -192,10 +192,17 @@ void transform_block(const float* transposed_block, float* coefficients) {
   transform_columns(coefficients);
 }
 
+/// Rounds to the nearest integer, halves away from zero.
 void quantise(const float* coefficients, const std::array<float, 64>& scale, int* quantised) {
-  for (std::size_t i = 0; i < 64; ++i) {
-    const float value = coefficients[i] * scale[i];
-    quantised[i] = static_cast<int>(value < 0 ? value - 0.5f : value + 0.5f);
+  using Ints = int __attribute__((vector_size(16)));
+  constexpr Lanes ZERO = {0, 0, 0, 0}, HALF = {0.5f, 0.5f, 0.5f, 0.5f};
+  for (std::size_t i = 0; i < 64; i += 4) {
+    Lanes value, factor;
+    std::memcpy(&value, coefficients + i, sizeof(value));
+    std::memcpy(&factor, &scale[i], sizeof(factor));
+    value *= factor;
+    const Ints rounded = __builtin_convertvector(value < ZERO ? value - HALF : value + HALF, Ints);
+    std::memcpy(quantised + i, &rounded, sizeof(rounded));
   }
 }
 
@@ -221,21 +228,23 @@ int put_block(JpegOutput& out, const float* transposed_block, const ComponentTab
   quantise(coefficients, tables.scale, quantised);
 
   put_value(out, tables.dc, 0, quantised[0] - last_dc);
-  constexpr unsigned int RUN_OF_16 = 0xF0, END_OF_BLOCK = 0x00;
-  unsigned int run = 0;
+  // One bit for each value that is not zero, so that runs of zeros are stepped over at once.
+  std::uint64_t remaining = 0;
   for (std::size_t k = 1; k < 64; ++k) {
-    const int value = quantised[JPEG_NATURAL_ORDER[k]];
-    if (value == 0) {
-      ++run;
-      continue;
-    }
+    remaining |= static_cast<std::uint64_t>(quantised[JPEG_NATURAL_ORDER[k]] != 0) << k;
+  }
+  constexpr unsigned int RUN_OF_16 = 0xF0, END_OF_BLOCK = 0x00;
+  unsigned int last = 0;
+  for (; remaining != 0; remaining &= remaining - 1) {
+    const auto k = static_cast<unsigned int>(std::countr_zero(remaining));
+    unsigned int run = k - last - 1;
     for (; run >= 16; run -= 16) {
       out.put_bits(tables.ac.code[RUN_OF_16], tables.ac.length[RUN_OF_16]);
     }
-    put_value(out, tables.ac, run, value);
-    run = 0;
+    put_value(out, tables.ac, run, quantised[JPEG_NATURAL_ORDER[k]]);
+    last = k;
   }
-  if (run > 0) out.put_bits(tables.ac.code[END_OF_BLOCK], tables.ac.length[END_OF_BLOCK]);
+  if (last < 63) out.put_bits(tables.ac.code[END_OF_BLOCK], tables.ac.length[END_OF_BLOCK]);
   return quantised[0];
 }
 
