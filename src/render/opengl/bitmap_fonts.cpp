@@ -68,11 +68,16 @@ bool RendererOpenGL::bitmap_font_create(FontData* font) {
   for (int code = 0; drawn && code < NUM_CHARACTERS; ++code) {
     GlyphBitmap glyph;
     drawn = face.rasterize(code, height, &glyph);
+    if (glyph.coverage.empty()) {
+      // Some drivers take an empty bitmap for a lack of memory.
+      glyph.width = glyph.height = 1;
+      glyph.coverage.assign(1, 0);
+    }
     const std::vector<unsigned char> bits = to_bits(glyph);
     core_.glNewList(base + static_cast<GLuint>(code), GL_COMPILE);
     core_.glBitmap(glyph.width, glyph.height, static_cast<float>(-glyph.left),
                    static_cast<float>(glyph.top + glyph.height), std::round(glyph.advance), 0.0f,
-                   bits.empty() ? nullptr : bits.data());
+                   bits.data());
     core_.glEndList();
   }
   core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 4);

@@ -5,6 +5,7 @@
 #include <orv/core/log_mgr.h>
 
 #include <cstddef>
+#include <string>
 
 #include "render/opengl/renderer_opengl.h"
 
@@ -15,7 +16,7 @@ constexpr GLuint POSITION = 0;
 constexpr GLuint COLOR = 3;
 constexpr float WHITE[4] = {1.0f, 1.0f, 1.0f, 1.0f};
 
-constexpr char VERTEX_SHADER[] = R"(#version 150
+constexpr char VERTEX_SHADER[] = R"(
 uniform mat4 orvex_ProjectionMatrix;
 uniform mat4 orvex_ModelViewMatrix;
 in vec4 orvex_Position;
@@ -28,7 +29,7 @@ void main() {
 }
 )";
 
-constexpr char PIXEL_SHADER[] = R"(#version 150
+constexpr char PIXEL_SHADER[] = R"(
 in vec4 vertex_color;
 out vec4 pixel_color;
 void main() { pixel_color = vertex_color; }
@@ -56,8 +57,13 @@ GlCoreColorProgram* RendererOpenGL::core_color_program() {
   slot = std::make_unique<GlCoreColorProgram>();
   GpuProgramData& program = slot->program;
   program.set_gpu_program_name("orv_core_color_prog");
-  if (!gpu_shader_load(&program, GPU_SHADER_VERTEX, VERTEX_SHADER, sizeof(VERTEX_SHADER)) ||
-      !gpu_shader_load(&program, GPU_SHADER_PIXEL, PIXEL_SHADER, sizeof(PIXEL_SHADER))) {
+  // Contexts of version 3.1 may lack the fixed pipeline, too.
+  const std::string version = facts_.is_version_at_least(3, 2) ? "#version 150" : "#version 140";
+  const std::string vertex = version + VERTEX_SHADER, pixel = version + PIXEL_SHADER;
+  const auto load = [&](GPU_SHADER_TYPE type, const std::string& text) {
+    return gpu_shader_load(&program, type, text.c_str(), static_cast<unsigned int>(text.size()));
+  };
+  if (!load(GPU_SHADER_VERTEX, vertex) || !load(GPU_SHADER_PIXEL, pixel)) {
     LogMgr::get().tracef_debug("program orv_core_color_prog does not compile");
     return nullptr;
   }

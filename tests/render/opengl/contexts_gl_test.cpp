@@ -1,0 +1,43 @@
+#include "render/opengl/gl_fixture.h"
+
+using namespace orv;
+using namespace orv::test;
+
+TEST(ContextsGlTest, GeometryIsDrawnInEachOfTwoContextsThatShareIt) {
+  GlContext first(GlContext::CORE);
+  ORV_REQUIRE_GL(first);
+  RendererOpenGL& renderer = first.renderer();
+  RenderWindow* one = first.window();
+  OffscreenWindow surface(64, 64, OffscreenWindow::SOFTWARE);
+  RenderWindowData data;
+  data.native_window = surface.native_handle();
+  data.gl_major = 3;
+  data.core_profile = true;
+  RenderWindow* two = renderer.render_window_alloc();
+  ASSERT_TRUE(renderer.render_window_create_context(two, &data, one));
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+
+  GeometryCore triangle;
+  triangle.set_alloc_params_num_vertices(3);
+  ASSERT_TRUE(triangle.alloc_vertex_data());
+  const float x[] = {-1, 3, -1}, y[] = {-1, -1, 3};
+  for (unsigned int i = 0; i < 3; ++i) {
+    triangle.set_position(i, x[i], y[i], 0, 1);
+    triangle.set_color(i, 0, 1, 0, 1);
+  }
+  ASSERT_TRUE(renderer.geometry_vbo_create(nullptr, &triangle));
+  for (RenderWindow* window : {one, two, one, two}) {
+    ASSERT_TRUE(renderer.render_window_make_current(window, true));
+    renderer.set_viewport(0, 0, 0, 64, 64);
+    renderer.clear_color_depth_buffers_rgba(0, 0, 0, 1, 1);
+    ASSERT_TRUE(renderer.geometry_vbo_update(&triangle));
+    ASSERT_TRUE(renderer.geometry_vbo_bind(&triangle));
+    EXPECT_TRUE(renderer.geometry_vbo_draw(&triangle));
+    EXPECT_TRUE(renderer.geometry_vbo_unbind(&triangle));
+    EXPECT_EQ(GREEN, first.pixel(32, 32));
+    renderer.draw_immediate_line(vec4(-1, -1, -1), vec4(1, 1, -1), vec4(), vec4());
+    EXPECT_EQ(0u, renderer.core_functions().glGetError());
+  }
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+  EXPECT_TRUE(renderer.geometry_vbo_destroy(&triangle));
+}
