@@ -5,6 +5,7 @@
 #include <orv/core/utils.h>
 
 #include <cstring>
+#include <deque>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -97,18 +98,54 @@ bool Node::_kill(Renderer* renderer) {
   return true;
 }
 
-int Node::release(Renderer* renderer, Node* node) {
-  // This node may be among the children released: it is held until the walk has ended.
-  add_ref();
-  {
-    ChildList leaving(nullptr);
-    leaving.take_all(NodeData::of(node ? node : this).children);
-    for (unsigned int i = 0; i < leaving.size(); ++i) {
-      if (Node* child = leaving.take(i)) child->release(renderer, nullptr);
-    }
+namespace {
+
+// A node whose children are being released. The node is held meanwhile, since it may be among them.
+struct ReleaseWalk {
+  ReleaseWalk(Node* released, Node* parent) : node(released), leaving(nullptr) {
+    node->add_ref();
+    leaving.take_all(NodeData::of(parent).children);
   }
-  remove_ref();
-  return _release(renderer);
+
+  // The next child that hasn't died, or null at the end.
+  Node* next() {
+    while (place < leaving.size()) {
+      if (Node* child = leaving.take(place++)) return child;
+    }
+    return nullptr;
+  }
+
+  Node* node;
+  ChildList leaving;
+  unsigned int place = 0;
+};
+
+bool has_children(const Node* node) { return NodeData::of(node).children.size() > 0; }
+
+}  // namespace
+
+int Node::release(Renderer* renderer, Node* node) {
+  Node* parent = node ? node : this;
+  if (!has_children(parent)) return _release(renderer);
+  // Trees may be deeper than the stack allows, and the lists being walked must not move.
+  std::deque<ReleaseWalk> open;
+  open.emplace_back(this, parent);
+  int left = 0;
+  while (!open.empty()) {
+    if (Node* child = open.back().next()) {
+      if (has_children(child)) {
+        open.emplace_back(child, child);
+      } else {
+        child->_release(renderer);
+      }
+      continue;
+    }
+    Node* done = open.back().node;
+    open.pop_back();
+    done->remove_ref();
+    left = done->_release(renderer);
+  }
+  return left;
 }
 
 int Node::_release(Renderer* renderer) {
@@ -189,16 +226,38 @@ bool Node::add_child(Node* child) {
   return true;
 }
 
+namespace {
+
+using Waiting = std::vector<const Node*>;
+
+// Puts the children of a node on a stack, so that the first of them comes off first.
+void push_children(Waiting& waiting, const Node* node) {
+  const ChildList& children = NodeData::of(node).children;
+  for (unsigned int i = children.size(); i-- > 0;) waiting.push_back(children.at(i));
+}
+
+}  // namespace
+
+bool Node::take_child(Node* child) const {
+  if (!data_->children.remove(child)) return false;
+  child->remove_ref();
+  child->data_->set_parent(nullptr);
+  return true;
+}
+
 int Node::remove_child(Node* child) {
   if (!child) return -1;
-  if (data_->children.remove(child)) {
-    child->remove_ref();
-    child->data_->set_parent(nullptr);
-    return child->get_ref();
-  }
-  for (unsigned int i = 0; i < data_->children.size(); ++i) {
-    const int ref = data_->children.at(i)->remove_child(child);
-    if (ref >= 0) return ref;
+  if (take_child(child)) return child->get_ref();
+  Waiting waiting;
+  push_children(waiting, this);
+  while (!waiting.empty()) {
+    const Node* holder = waiting.back();
+    waiting.pop_back();
+    if (!holder->take_child(child)) {
+      push_children(waiting, holder);
+    } else if (child->get_ref() >= 0) {
+      return child->get_ref();
+    }
   }
   return -1;
 }
@@ -211,18 +270,28 @@ Node* Node::get_child(unsigned int index) const { return data_->children.at(inde
 
 namespace {
 
-// First child of `self` that `matches`; then, with a node, the first that `search` finds below the
-// children of that node.
-template <class Matches, class Search>
-Node* find_below(const Node* self, const Node* node, Matches matches, Search search) {
-  const ChildList& own = NodeData::of(self).children;
-  for (unsigned int i = 0; i < own.size(); ++i) {
-    if (matches(NodeData::of(own.at(i)))) return own.at(i);
+template <class Matches>
+Node* find_among_children(const Node* node, Matches matches) {
+  const ChildList& children = NodeData::of(node).children;
+  for (unsigned int i = 0; i < children.size(); ++i) {
+    if (matches(NodeData::of(children.at(i)))) return children.at(i);
   }
+  return nullptr;
+}
+
+// First child of `self` that `matches`; then, with a node, the first below the children of that
+// node, the children of each before what stands further down.
+template <class Matches>
+Node* find_below(const Node* self, const Node* node, Matches matches) {
+  if (Node* found = find_among_children(self, matches)) return found;
   if (!node) return nullptr;
-  const ChildList& others = NodeData::of(node).children;
-  for (unsigned int i = 0; i < others.size(); ++i) {
-    if (Node* found = search(others.at(i))) return found;
+  Waiting waiting;
+  push_children(waiting, node);
+  while (!waiting.empty()) {
+    const Node* parent = waiting.back();
+    waiting.pop_back();
+    if (Node* found = find_among_children(parent, matches)) return found;
+    push_children(waiting, parent);
   }
   return nullptr;
 }
@@ -232,15 +301,11 @@ Node* find_below(const Node* self, const Node* node, Matches matches, Search sea
 Node* Node::find_child(const char* name, Node* node) const {
   if (!name) return nullptr;
   const std::string_view wanted(name);
-  return find_below(
-      this, node, [=](const NodeData& child) { return child.name == wanted; },
-      [=](Node* child) { return child->find_child(name, child); });
+  return find_below(this, node, [=](const NodeData& child) { return child.name == wanted; });
 }
 
 Node* Node::find_child(int id, Node* node) const {
-  return find_below(
-      this, node, [=](const NodeData& child) { return child.node->id_ == id; },
-      [=](Node* child) { return child->find_child(id, child); });
+  return find_below(this, node, [=](const NodeData& child) { return child.node->id_ == id; });
 }
 
 // ---- thread -----------------------------------------------------------------------------------

@@ -33,6 +33,29 @@ class LockGuard {
   ThreadLock& lock_;
 };
 
+/// A node of a scene whose children are being released. They are out of its list already.
+struct OpenNode {
+  explicit OpenNode(Node* parent) : node(parent) {
+    for (unsigned int i = 0; i < node->get_num_children(); ++i) {
+      children.push_back(node->get_child(i));
+      // A node may stand in several lists: it is held until its turn here.
+      children.back()->add_ref();
+    }
+    node->clear_children_list();
+  }
+
+  /// The next child, held no longer, or null at the end.
+  Node* next() {
+    if (place == children.size()) return nullptr;
+    children[place]->remove_ref();
+    return children[place++];
+  }
+
+  Node* node;
+  std::vector<Node*> children;
+  std::size_t place = 0;
+};
+
 /// Gives a resource back to its manager, any other node back to nobody.
 void release_by_type(Renderer* renderer, Node* node) {
   switch (node->get_type()) {
@@ -108,18 +131,18 @@ bool SceneMgr::cleanup_scene(Renderer* renderer, Scene* scene) {
 
 bool SceneMgr::release_scene_node(Renderer* renderer, Node* node) {
   if (!node) return false;
-  std::vector<Node*> children;
-  for (unsigned int i = 0; i < node->get_num_children(); ++i) {
-    children.push_back(node->get_child(i));
-    // A node may stand in several lists: it is held until its turn here.
-    children.back()->add_ref();
+  // Children before their parents, without recursion: a tree may be deeper than the stack.
+  std::vector<OpenNode> open;
+  open.emplace_back(node);
+  while (!open.empty()) {
+    if (Node* child = open.back().next()) {
+      open.emplace_back(child);
+      continue;
+    }
+    Node* done = open.back().node;
+    open.pop_back();
+    release_by_type(renderer, done);
   }
-  node->clear_children_list();
-  for (Node* child : children) {
-    child->remove_ref();
-    release_scene_node(renderer, child);
-  }
-  release_by_type(renderer, node);
   return true;
 }
 

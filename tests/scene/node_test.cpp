@@ -619,6 +619,35 @@ TEST(Node, ManyChildrenAreReleasedInStraightTime) {
   kept->kill(nullptr, nullptr);
 }
 
+TEST(Node, DeepTreesAreReleasedFoundAndRemovedWithoutTheStack) {
+  constexpr int kDepth = 200000;
+  Node* top = new Node;
+  Node* bottom = top;
+  for (int i = 0; i < kDepth; ++i) {
+    Node* child = new Node;
+    bottom->add_child(child);
+    bottom = child;
+  }
+  bottom->set_name("bottom");
+  EXPECT_EQ(top->find_child("bottom", top), bottom);
+  EXPECT_EQ(top->find_child(bottom->get_id(), top), bottom);
+  EXPECT_EQ(top->find_child("nowhere", top), nullptr);
+  EXPECT_EQ(top->remove_child(bottom), 0);
+  EXPECT_EQ(bottom->get_parent(), nullptr);
+  EXPECT_EQ(top->remove_child(bottom), -1);
+  top->add_child(bottom);
+  bottom->add_ref();
+  top->kill(nullptr, nullptr);
+  EXPECT_EQ(bottom->get_ref(), 1);
+  bottom->kill(nullptr, nullptr);
+}
+
+TEST_F(NodeTree, ReleaseEndsEachChildAfterWhatStandsBelowIt) {
+  root->release(renderer, nullptr);
+  EXPECT_THAT(events, ElementsAre("cleanup c", "~ c", "cleanup a", "~ a", "cleanup b", "~ b",
+                                  "cleanup root", "~ root"));
+}
+
 // ---- thread -----------------------------------------------------------------------------------
 
 TEST(Node, KnowsItsThread) {

@@ -103,6 +103,20 @@ TEST_F(SceneMgrTest, ANodeInSeveralPlacesOfTheTreeGoesOnce) {
   EXPECT_EQ(deaths, 2);
 }
 
+TEST_F(SceneMgrTest, ADeepTreeIsReleasedWithoutTheStack) {
+  int deaths = 0;
+  Scene* scene = mgr().create_scene();
+  Node* bottom = scene->get_root();
+  for (int i = 0; i < 100000; ++i) {
+    Node* child = new Node;
+    bottom->add_child(child);
+    bottom = child;
+  }
+  bottom->add_child(new Mortal(&deaths));
+  EXPECT_TRUE(mgr().kill_scene(nullptr, scene));
+  EXPECT_EQ(deaths, 1);
+}
+
 TEST_F(SceneMgrTest, KillingAllScenesEmptiesTheList) {
   int deaths = 0;
   for (int i = 0; i < 3; ++i) mgr().create_scene()->add_node(new Mortal(&deaths));

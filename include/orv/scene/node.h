@@ -67,6 +67,9 @@ struct NodeData;
 /// whose children are walked, null being this one; the work itself is always done on this node.
 /// What the workers and the children return isn't looked at by the walks.
 ///
+/// Releasing, removing and finding take trees of any depth. The walks that call a virtual operation
+/// on each child go down by the stack of the calling thread, one call a level.
+///
 /// The tree has no locks: one thread at a time. The order of the virtual operations is a contract
 /// with plugins.
 class ORV_API Node {
@@ -199,6 +202,8 @@ class ORV_API Node {
 
  private:
   bool stands_below(const Node* other) const;
+  // Takes a direct child out of the list. False when it isn't one.
+  bool take_child(Node* child) const;
 
   friend struct NodeData;
 
