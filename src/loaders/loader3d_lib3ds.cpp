@@ -39,10 +39,9 @@ namespace {
 
 constexpr int NO_MATERIAL = -1;
 
-/// Vertices and faces that the nodes of one file may make: a short file can place a large mesh many
-/// times.
-constexpr std::size_t MAX_TOTAL_VERTICES = std::size_t{1} << 24;
-constexpr std::size_t MAX_TOTAL_FACES = std::size_t{1} << 24;
+/// Vertices, and faces, that the nodes of one file may make beyond those that the file holds: a
+/// short file can place a large mesh many times.
+constexpr std::size_t MAX_FURTHER_ELEMENTS = std::size_t{1} << 22;
 
 /// Aspect of every camera that comes from a file.
 constexpr float CAMERA_ASPECT = 1.333f;
@@ -188,7 +187,11 @@ class MeshReader {
  public:
   MeshReader(Lib3dsFile& file, std::vector<MeshRecord>& records)
       : materials_(index_materials(file)), records_(records) {
-    for (Lib3dsMesh* m = file.meshes; m; m = m->next) meshes_.emplace(m->name, m);
+    for (Lib3dsMesh* m = file.meshes; m; m = m->next) {
+      meshes_.emplace(m->name, m);
+      vertices_left_ += m->points;
+      faces_left_ += m->faces;
+    }
   }
 
   void walk(const Lib3dsNode* first) {
@@ -217,13 +220,12 @@ class MeshReader {
   }
 
   bool take_share(const Lib3dsMesh& mesh) {
-    if (total_vertices_ + mesh.points > MAX_TOTAL_VERTICES ||
-        total_faces_ + mesh.faces > MAX_TOTAL_FACES) {
+    if (mesh.points > vertices_left_ || mesh.faces > faces_left_) {
       ++dropped_nodes_;
       return false;
     }
-    total_vertices_ += mesh.points;
-    total_faces_ += mesh.faces;
+    vertices_left_ -= mesh.points;
+    faces_left_ -= mesh.faces;
     return true;
   }
 
@@ -261,8 +263,8 @@ class MeshReader {
   std::unordered_map<std::string_view, Lib3dsMesh*> meshes_;
   std::unordered_map<const Lib3dsMesh*, std::vector<vec3>> normals_;
   std::vector<MeshRecord>& records_;
-  std::size_t total_vertices_ = 0;
-  std::size_t total_faces_ = 0;
+  std::size_t vertices_left_ = MAX_FURTHER_ELEMENTS;
+  std::size_t faces_left_ = MAX_FURTHER_ELEMENTS;
   std::size_t dropped_nodes_ = 0;
 };
 
