@@ -12,6 +12,10 @@ namespace orv {
 
 namespace {
 
+/// Links of a chain that are kept. Objects below that many others multiply the rest each time:
+/// every object of a deep tree keeps a chain of its own.
+constexpr std::size_t MAX_KEPT_LINKS = 64;
+
 /// Puts `matrix` at position `i` of a chain. False when it stood there already, to the byte.
 bool store_link(std::vector<mat4>& chain, std::size_t i, const mat4& matrix) {
   if (i >= chain.size()) {
@@ -99,18 +103,21 @@ Tripod* Object::get_tripod() const { return data_->tripod.get(); }
 // ---- absolute transform ---------------------------------------------------------------------
 
 mat4& Object::get_absolute_transform() {
-  data_->tripod->update_transform();
-  const mat4& local = *data_->tripod->get_transform_mat4_ptr();
+  const auto updated_transform = [](Node* object) -> const mat4& {
+    Tripod& tripod = *static_cast<Object*>(object)->data_->tripod;
+    tripod.update_transform();
+    return *tripod.get_transform_mat4_ptr();
+  };
+  const mat4& local = updated_transform(this);
   if (!get_parent()) return data_->absolute_transform = local;
 
   std::vector<mat4>& chain = data_->chain;
   bool changed = store_link(chain, 0, local);
   std::size_t length = 1;
-  for (Node* node = get_parent(); node; node = node->get_parent()) {
+  Node* node = get_parent();
+  for (; node && length < MAX_KEPT_LINKS; node = node->get_parent()) {
     if (!node->is_type_of(NODE_TYPE_OBJECT)) continue;
-    Tripod* tripod = static_cast<Object*>(node)->data_->tripod.get();
-    tripod->update_transform();
-    changed |= store_link(chain, length++, *tripod->get_transform_mat4_ptr());
+    changed |= store_link(chain, length++, updated_transform(node));
   }
   if (length < chain.size()) {
     chain.resize(length);
@@ -122,7 +129,12 @@ mat4& Object::get_absolute_transform() {
       data_->chain_product = chain[i] * data_->chain_product;
     }
   }
-  return data_->absolute_transform = data_->chain_product;
+  data_->absolute_transform = data_->chain_product;
+  for (; node; node = node->get_parent()) {
+    if (!node->is_type_of(NODE_TYPE_OBJECT)) continue;
+    data_->absolute_transform = updated_transform(node) * data_->absolute_transform;
+  }
+  return data_->absolute_transform;
 }
 
 float* Object::get_absolute_transform_float_ptr() { return get_absolute_transform().ptr(); }

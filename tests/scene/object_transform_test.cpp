@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "support/held.h"
 
@@ -165,6 +166,37 @@ TEST(ObjectTransform, ChangeByPointerAtAnyLevelShows) {
     EXPECT_NE(before, after);
     EXPECT_EQ(after, chain.product());
   }
+}
+
+TEST(ObjectTransform, LongChainsFollowChangesAtAnyLevelToo) {
+  constexpr std::size_t LENGTH = 150;
+  std::vector<Object*> links;
+  Object* top = new Object;
+  links.push_back(top);
+  while (links.size() < LENGTH) {
+    Object* link = new Object;
+    link->set_position(1, 0, 0);
+    if (links.size() % 10 == 0) link->set_orientation_euler_xyz(0, 90, 5);
+    links.back()->add_child(link);
+    links.push_back(link);
+  }
+  const auto product = [&] {
+    mat4 result = *links.back()->get_transform_mat4_ptr();
+    for (std::size_t i = LENGTH - 1; i-- > 0;)
+      result = *links[i]->get_transform_mat4_ptr() * result;
+    return result;
+  };
+  Object* bottom = links.back();
+  mat4 before = bottom->get_absolute_transform();
+  EXPECT_EQ(before, product());
+  for (const std::size_t level : {std::size_t{0}, std::size_t{85}, std::size_t{86}, LENGTH - 1}) {
+    links[level]->set_position(-7, 8, 9);
+    const mat4 after = bottom->get_absolute_transform();
+    EXPECT_NE(before, after);
+    EXPECT_EQ(after, product());
+    before = after;
+  }
+  top->kill(nullptr, nullptr);
 }
 
 TEST(ObjectTransform, WritingIntoTheResultIsForgottenAtTheNextCall) {
