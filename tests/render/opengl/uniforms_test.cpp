@@ -259,8 +259,8 @@ TEST_F(UniformsTest, DoubleMatricesAndSubroutinesSendNothingButCount) {
   bind_program();
   locate("m3", 1);
   locate("m4", 2);
-  program.set_uniform_3x3d("m3", D);
-  double sixteen[16] = {};
+  const double nine[9] = {}, sixteen[16] = {};
+  program.set_uniform_3x3d("m3", nine);
   program.set_uniform_4x4d("m4", sixteen);
   EXPECT_THAT(apply(), IsEmpty());
   EXPECT_EQ(1, program.find_uniform("m3")->num_uploads);
