@@ -100,9 +100,11 @@ bool Node::_kill(Renderer* renderer) {
 
 namespace {
 
-// A node whose children are being released. The node is held meanwhile, since it may be among them.
+// A node whose children are being released. The node is held meanwhile, since it may be among them;
+// a child's end may still kill it, so it stands in a list that then forgets it.
 struct ReleaseWalk {
-  ReleaseWalk(Node* released, Node* parent) : node(released), leaving(nullptr) {
+  ReleaseWalk(Node* node, Node* parent) : self(nullptr), leaving(nullptr) {
+    self.append(node);
     node->add_ref();
     leaving.take_all(NodeData::of(parent).children);
   }
@@ -115,7 +117,14 @@ struct ReleaseWalk {
     return nullptr;
   }
 
-  Node* node;
+  // The node itself, held no longer; null when it has died.
+  Node* finish() {
+    Node* node = self.take(0);
+    if (node) node->remove_ref();
+    return node;
+  }
+
+  ChildList self;
   ChildList leaving;
   unsigned int place = 0;
 };
@@ -140,10 +149,9 @@ int Node::release(Renderer* renderer, Node* node) {
       }
       continue;
     }
-    Node* done = open.back().node;
+    Node* done = open.back().finish();
     open.pop_back();
-    done->remove_ref();
-    left = done->_release(renderer);
+    left = done ? done->_release(renderer) : 0;
   }
   return left;
 }

@@ -608,6 +608,17 @@ TEST_F(NodeTree, ChildThatKillsItsSiblingDuringTheReleaseIsSafe) {
   EXPECT_EQ(root->get_num_children(), 1u);
 }
 
+TEST_F(NodeTree, ChildThatKillsItsParentDuringTheReleaseIsSafe) {
+  class Rebel : public Node {
+   public:
+    bool _cleanup(Renderer* r) override { return get_parent()->_kill(r); }
+  };
+  a->add_child(new Rebel);
+  root->release(renderer, nullptr);
+  for (const Recorder* node : {root, a, b, c}) EXPECT_TRUE(gone(node));
+  EXPECT_EQ(std::count(events.begin(), events.end(), "~ a"), 1);
+}
+
 TEST(Node, ManyChildrenAreReleasedInStraightTime) {
   Node* parent = new Node;
   Node* kept = new Node;
