@@ -66,7 +66,7 @@ class FontCheck {
         find(start, count, "maxp", 6, &maxp) && find(start, count, "loca", 2, &loca_) &&
         find(start, count, "glyf", 10, &glyf_);
     if (!found) return false;
-    num_glyphs_ = file_.u16(maxp.offset + 4);
+    num_glyphs_ = static_cast<int>(file_.u16(maxp.offset + 4));
     long_offsets_ = file_.u16(head.offset + 50) == 1;
     height_ = file_.s16(hhea.offset + 4) - file_.s16(hhea.offset + 6);
     return height_ > 0 && file_.u16(head.offset + 50) < 2 && check_character_map(cmap);
