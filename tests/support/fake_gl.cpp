@@ -76,7 +76,8 @@ std::string print_enum(const std::string& function, const std::string& parameter
                                            "GL_TRIANGLES_ADJACENCY",
                                            "GL_TRIANGLE_STRIP_ADJACENCY",
                                            "GL_PATCHES"};
-  const bool draws = function.rfind("glDraw", 0) == 0 || function == "glBegin";
+  const bool draws = (function.rfind("glDraw", 0) == 0 && function != "glDrawBuffer") ||
+                     function == "glBegin";
   if (draws && parameter == "mode" && value < std::size(PRIMITIVES)) return PRIMITIVES[value];
   if (function == "glBlendFunc" && value < 2) return value == 0 ? "GL_ZERO" : "GL_ONE";
   if (value == 0) return "GL_NONE";
@@ -488,6 +489,10 @@ struct FakeGlAnswers {
   // -- what is bound --
 
   void answer(tag::glUseProgram, GLuint id) { fake.bound_program_ = id; }
+  void answer(tag::glBindFramebuffer, GLenum target, GLuint id) {
+    if (target != GL_READ_FRAMEBUFFER) fake.draw_framebuffer_ = id;
+    if (target != GL_DRAW_FRAMEBUFFER) fake.read_framebuffer_ = id;
+  }
   void answer(tag::glBindVertexArray, GLuint id) { fake.bound_vertex_array_ = id; }
 
   // -- the rest --
@@ -544,6 +549,8 @@ struct FakeGlAnswers {
     switch (name) {
       case GL_CURRENT_PROGRAM: return fake.bound_program_;
       case GL_VERTEX_ARRAY_BINDING: return fake.bound_vertex_array_;
+      case GL_DRAW_FRAMEBUFFER_BINDING: return fake.draw_framebuffer_;
+      case GL_READ_FRAMEBUFFER_BINDING: return fake.read_framebuffer_;
       case GL_ARRAY_BUFFER_BINDING: return fake.bound_buffers_[GL_ARRAY_BUFFER];
       case GL_ELEMENT_ARRAY_BUFFER_BINDING: return fake.bound_buffers_[GL_ELEMENT_ARRAY_BUFFER];
       case GL_UNIFORM_BUFFER_BINDING: return fake.bound_buffers_[GL_UNIFORM_BUFFER];
@@ -710,6 +717,9 @@ FakeGl::FakeGl() {
                                            {GL_MAX_COLOR_ATTACHMENTS, 8},
                                            {GL_MAX_DRAW_BUFFERS, 8},
                                            {GL_MAX_SAMPLES, 8},
+                                           {GL_MAX_INTEGER_SAMPLES, 4},
+                                           {GL_MAX_IMAGE_UNITS, 8},
+                                           {GL_MAX_TEXTURE_UNITS, 8},
                                            {GL_MAX_ARRAY_TEXTURE_LAYERS, 256},
                                            {GL_ACTIVE_TEXTURE, GL_TEXTURE0},
                                            {GL_DRAW_BUFFER, GL_BACK},

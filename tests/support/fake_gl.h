@@ -131,6 +131,8 @@ class FakeGl {
   std::set<unsigned int> mapped_;
   unsigned int bound_program_ = 0;
   unsigned int bound_vertex_array_ = 0;
+  unsigned int draw_framebuffer_ = 0;
+  unsigned int read_framebuffer_ = 0;
   std::string joined_extensions_;
 };
 
