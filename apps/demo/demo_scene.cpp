@@ -77,7 +77,7 @@ bool DemoScene::load_model(orv::Renderer* renderer, const std::string& data_dir,
     return false;
   }
   scene_->add_node(model);
-  model->set_position(-0.25f, 0.736f, 0.15f);
+  model->set_position(0.15f, 0.736f, 0.15f);
   model->set_orientation_euler_xyz(0.0f, 205.0f, 0.0f);
 
   // The file has neither normals nor a material: both are made here.
@@ -105,12 +105,12 @@ void DemoScene::add_shapes() {
                   {vec4(1, 1, 1, 1), 0.0f, 0.0f, 2.0f, 0.0f});
   sky.casts_shadow = false;
 
-  add(make_shape<orv::MeshSphere>(vec4(1.45f, 0.42f, 1.15f, 1), 0.42f, 48, 64), "brass",
+  add(make_shape<orv::MeshSphere>(vec4(1.85f, 0.42f, 1.0f, 1), 0.42f, 48, 64), "brass",
       {vec4(0.85f, 0.52f, 0.12f, 1), 0.0f, 0.0f, 0.0f, 0.9f});
   orv::Mesh* torus = make_shape<orv::MeshTorus>(vec4(-1.75f, 0.17f, 1.35f, 1), 0.55f, 0.17f, 64);
   add(torus, "teal", {vec4(0.03f, 0.40f, 0.42f, 1), 0.0f, 0.0f, 0.0f, 0.7f});
-  orv::Mesh* knot = make_shape<orv::MeshPQTorus>(vec4(2.15f, 0.95f, -0.75f, 1), 320, 24, 0.62f,
-                                                 0.1f, 0.0f, 0.0f, 0.0f, 1.0f, 8.0f, 2.0f, 3.0f);
+  orv::Mesh* knot = make_shape<orv::MeshPQTorus>(vec4(2.2f, 1.22f, -0.75f, 1), 320, 24, 0.42f,
+                                                 0.085f, 0.0f, 0.0f, 0.0f, 1.0f, 8.0f, 2.0f, 3.0f);
   knot->set_orientation_euler_xyz(20.0f, 25.0f, 0.0f);
   add(knot, "magenta", {vec4(0.60f, 0.05f, 0.24f, 1), 0.0f, 0.0f, 0.0f, 0.85f});
   orv::Mesh* box =
@@ -118,10 +118,10 @@ void DemoScene::add_shapes() {
   box->set_orientation_euler_xyz(0.0f, 32.0f, 0.0f);
   add(box, "blue", {vec4(0.05f, 0.16f, 0.55f, 1), 0.0f, 0.0f, 0.0f, 0.35f});
   orv::Mesh* pillar =
-      make_shape<orv::MeshCylinder>(vec4(2.15f, 0.2f, -0.75f, 1), 0.55f, 0.4f, 3, 64);
+      make_shape<orv::MeshCylinder>(vec4(2.2f, 0.2f, -0.75f, 1), 0.55f, 0.4f, 3, 64);
   pillar->set_orientation_euler_xyz(90.0f, 0.0f, 0.0f);
   add(pillar, "stone", {vec4(0.5f, 0.48f, 0.45f, 1), 0.0f, 0.0f, 0.0f, 0.15f});
-  add(make_shape<orv::MeshEllipse>(vec4(2.15f, 0.4f, -0.75f, 1), 0.55f, 0.55f, 64, 2, 360.0f),
+  add(make_shape<orv::MeshEllipse>(vec4(2.2f, 0.4f, -0.75f, 1), 0.55f, 0.55f, 64, 2, 360.0f),
       "stone top", {vec4(0.5f, 0.48f, 0.45f, 1), 0.0f, 0.0f, 0.0f, 0.15f});
   orv::Mesh* pyramid = make_shape<orv::MeshSphere>(vec4(-0.9f, 0.3f, 2.15f, 1), 0.3f, 2, 4);
   pyramid->set_orientation_euler_xyz(90.0f, 0.0f, 20.0f);
@@ -136,15 +136,15 @@ bool DemoScene::add_screen(orv::Renderer* renderer) {
   if (!shadow_map_ || !portrait_) return false;
   portrait_camera_.build_projection_persp(30.0f, 16.0f / 9.0f, 0.1f, 120.0f, true);
   portrait_camera_.set_viewport(0, 0, portrait_width, portrait_height);
-  portrait_camera_.set_position(1.15f, 1.45f, 2.6f);
-  portrait_camera_.set_lookat(-0.05f, 1.12f, 0.3f);
+  portrait_camera_.set_position(1.35f, 1.5f, 2.3f);
+  portrait_camera_.set_lookat(0.3f, 1.2f, 0.3f);
 
-  const vec4 place(-2.3f, 1.25f, -1.6f, 1.0f);
+  const vec4 place(-2.75f, 1.25f, -1.6f, 1.0f);
   orv::Mesh* frame = make_shape<orv::MeshBox>(place, 3.0f, 1.78f, 0.12f, 1, 1, 1);
   frame->set_orientation_euler_xyz(0.0f, 32.0f, 0.0f);
   add(frame, "frame", {vec4(0.02f, 0.02f, 0.025f, 1), 0.0f, 0.0f, 0.0f, 0.6f}).in_portrait = false;
   orv::Mesh* foot =
-      make_shape<orv::MeshBox>(vec4(-2.3f, 0.2f, -1.6f, 1), 0.9f, 0.4f, 0.3f, 1, 1, 1);
+      make_shape<orv::MeshBox>(vec4(-2.75f, 0.2f, -1.6f, 1), 0.9f, 0.4f, 0.3f, 1, 1, 1);
   foot->set_orientation_euler_xyz(0.0f, 32.0f, 0.0f);
   add(foot, "foot", {vec4(0.02f, 0.02f, 0.025f, 1), 0.0f, 0.0f, 0.0f, 0.6f}).in_portrait = false;
 

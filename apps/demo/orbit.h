@@ -14,8 +14,8 @@ class Orbit {
 
  private:
   float yaw_ = 33.0f;
-  float pitch_ = 17.0f;
-  float distance_ = 6.9f;
+  float pitch_ = 14.0f;
+  float distance_ = 7.0f;
 };
 
 }  // namespace demo

@@ -37,11 +37,11 @@ uniform vec4 orv_light_diffuse_0;
 uniform vec4 orv_light_ambient_0;  // a Light sends its specular colour under this name
 out vec4 pixel;
 
-const vec3 horizon = vec3(0.62, 0.72, 0.84);
-const vec3 zenith = vec3(0.10, 0.20, 0.42);
+const vec3 horizon = vec3(0.50, 0.60, 0.72);
+const vec3 zenith = vec3(0.05, 0.13, 0.34);
 
 vec3 sky(vec3 direction) {
-  return mix(horizon, zenith, pow(clamp(direction.y, 0.0, 1.0), 0.55));
+  return mix(horizon, zenith, pow(clamp(direction.y, 0.0, 1.0), 0.42));
 }
 
 // Share of the light that arrives: 7 x 7 samples around the point in the shadow map.
@@ -101,7 +101,7 @@ void main() {
 
   vec3 around = mix(vec3(0.20, 0.18, 0.16), sky(vec3(0.0, 0.6, 0.0)) * 0.8 + 0.12,
                     0.5 + 0.5 * normal.y);
-  vec3 color = albedo * (around * 0.75 + orv_light_diffuse_0.rgb * slope * light * 1.5);
+  vec3 color = albedo * (around * 0.55 + orv_light_diffuse_0.rgb * slope * light * 1.15);
   color += orv_light_ambient_0.rgb * highlight * light;
   color += sky(reflect(-to_eye, normal)) * (0.04 + 0.5 * rim) * gloss;
   float distance = length(camera_position.xyz - world_position);
