@@ -18,21 +18,23 @@ namespace {
 
 // ---- the libraries ---------------------------------------------------------------------------
 
-#define ORV_X11_FUNCTIONS(F)                                                                  \
-  F(XSync)                                                                                    \
-  F(XFree)                                                                                    \
-  F(XSetErrorHandler)                                                                         \
-  F(XOpenDisplay) F(XCloseDisplay) F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) \
-      F(XFreeColormap) F(XCreateWindow) F(XDestroyWindow) F(XMapWindow) F(XResizeWindow)      \
-          F(XVisualIDFromVisual) F(XScreenNumberOfScreen)
+#define ORV_X11_FUNCTIONS(F)                                                                   \
+  F(XSync)                                                                                     \
+  F(XFree)                                                                                     \
+  F(XSetErrorHandler)                                                                          \
+  F(XOpenDisplay)                                                                              \
+  F(XCloseDisplay) F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) F(XFreeColormap) \
+      F(XCreateWindow) F(XDestroyWindow) F(XMapWindow) F(XResizeWindow) F(XVisualIDFromVisual) \
+          F(XScreenNumberOfScreen)
 
-#define ORV_GLX_FUNCTIONS(F)                                                                       \
-  F(glXQueryExtension)                                                                             \
-  F(glXGetFBConfigs)                                                                               \
-  F(glXGetFBConfigAttrib)                                                                          \
-  F(glXGetVisualFromFBConfig) F(glXCreateNewContext) F(glXDestroyContext) F(glXMakeContextCurrent) \
-      F(glXSwapBuffers) F(glXGetCurrentContext) F(glXGetCurrentDisplay) F(glXGetCurrentDrawable)   \
-          F(glXGetCurrentReadDrawable) F(glXQueryExtensionsString) F(glXQueryDrawable)             \
+#define ORV_GLX_FUNCTIONS(F)                                                             \
+  F(glXQueryExtension)                                                                   \
+  F(glXGetFBConfigs)                                                                     \
+  F(glXGetFBConfigAttrib)                                                                \
+  F(glXGetVisualFromFBConfig)                                                            \
+  F(glXCreateNewContext) F(glXDestroyContext) F(glXMakeContextCurrent) F(glXSwapBuffers) \
+      F(glXGetCurrentContext) F(glXGetCurrentDisplay) F(glXGetCurrentDrawable)           \
+          F(glXGetCurrentReadDrawable) F(glXQueryExtensionsString) F(glXQueryDrawable)   \
               F(glXGetProcAddressARB)
 
 struct GlxLibrary {
@@ -161,6 +163,8 @@ int read_attrib(const GlxLibrary& glx, ::Display* display, ::GLXFBConfig config,
   return value;
 }
 
+constexpr int OPAQUE_DEPTH = 30;  // deeper visuals have alpha, which compositors look at
+
 PixelTraits read_traits(const GlxLibrary& glx, ::Display* display, ::GLXFBConfig config) {
   PixelTraits traits;
   traits.red = read_attrib(glx, display, config, GLX_RED_SIZE);
@@ -171,6 +175,10 @@ PixelTraits read_traits(const GlxLibrary& glx, ::Display* display, ::GLXFBConfig
   traits.stencil = read_attrib(glx, display, config, GLX_STENCIL_SIZE);
   traits.samples = read_attrib(glx, display, config, GLX_SAMPLES);
   traits.slow = read_attrib(glx, display, config, GLX_CONFIG_CAVEAT) != GLX_NONE;
+  if (::XVisualInfo* visual = glx.glXGetVisualFromFBConfig(display, config)) {
+    traits.translucent = visual->depth > OPAQUE_DEPTH;
+    glx.XFree(visual);
+  }
   return traits;
 }
 

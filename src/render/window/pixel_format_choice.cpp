@@ -18,7 +18,9 @@ constexpr int STENCIL_SHORT = 200'000;
 constexpr int PER_EXCESS_COLOR_BIT = 2'000;
 constexpr int PER_MISSING_ALPHA_BIT = 1'000;
 constexpr int PER_DEPTH_BIT = 20;
+constexpr int TRANSLUCENT = 100;
 constexpr int PER_EXCESS_BIT = 1;
+constexpr int FULL_ALPHA = 8;  // taken unasked, so that all roads give the same pixels
 
 struct ChannelBits {
   int red = 8;
@@ -62,7 +64,8 @@ int pixel_penalty(const PixelTraits& traits, const PixelRequest& request) {
               std::max(traits.blue - want.blue, 0)) *
              PER_EXCESS_COLOR_BIT;
   penalty += std::max(want.alpha - traits.alpha, 0) * PER_MISSING_ALPHA_BIT;
-  penalty += std::max(traits.alpha - want.alpha, 0) * PER_EXCESS_BIT;
+  penalty += std::abs(FULL_ALPHA - traits.alpha);
+  if (traits.translucent) penalty += TRANSLUCENT;
   return penalty;
 }
 

@@ -21,7 +21,8 @@ struct PixelTraits {
   int depth = 0;
   int stencil = 0;
   int samples = 0;
-  bool slow = false;  ///< the driver warns of it
+  bool slow = false;         ///< the driver warns of it
+  bool translucent = false;  ///< the desktop may let what is behind shine through
 };
 
 /// Samples that the text of RenderWindowData::msaa stands for: 0, 2, 4 or 8.

@@ -206,6 +206,37 @@ TEST_F(GlxContexts, EightSamplesEndAtFewer) {
   EXPECT_NE(samples, 1);
 }
 
+std::vector<int> read_bits(const RendererOpenGL& renderer) {
+  std::vector<int> bits;
+  for (const GLenum name : {GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS, GL_ALPHA_BITS, GL_DEPTH_BITS,
+                            GL_STENCIL_BITS, GL_SAMPLES}) {
+    bits.push_back(-1);
+    renderer.core_functions().glGetIntegerv(name, &bits.back());
+  }
+  return bits;
+}
+
+TEST_F(GlxContexts, HasTheSameBitsAsOffScreen) {
+  for (const char* msaa : {"Off", "4X MSAA"}) {
+    X11Window host(display_, 32, 32);
+    RendererOpenGL on_screen;
+    RenderWindowData data = make_data(host, 2, msaa);
+    ASSERT_TRUE(
+        on_screen.render_window_create_context(on_screen.render_window_alloc(), &data, nullptr));
+    ASSERT_TRUE(on_screen.start());
+    if (on_screen.is_core_context()) GTEST_SKIP() << "core contexts do not tell the bits so";
+    const std::vector<int> bits = read_bits(on_screen);
+    OffscreenWindow offscreen(32, 32, OffscreenWindow::SOFTWARE);
+    data.app_instance = nullptr;
+    data.native_window = offscreen.native_handle();
+    RendererOpenGL off_screen;
+    ASSERT_TRUE(
+        off_screen.render_window_create_context(off_screen.render_window_alloc(), &data, nullptr));
+    ASSERT_TRUE(off_screen.start());
+    EXPECT_EQ(read_bits(off_screen), bits) << msaa;
+  }
+}
+
 // ---- failures --------------------------------------------------------------------------------
 
 TEST_F(GlxContexts, WindowThatIsNoneGivesFalse) {

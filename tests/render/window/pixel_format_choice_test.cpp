@@ -53,7 +53,7 @@ TEST(PixelFormatChoice, DepthOf32ActsAs24WithStencil) {
   EXPECT_EQ(best({make_traits(32, 0), make_traits(24, 0), make_traits(24, 8), make_traits(16, 0)},
                  request),
             2);
-  EXPECT_EQ(pixel_penalty(make_traits(24, 8), request), 0);
+  EXPECT_EQ(pixel_penalty(make_traits(24, 8, 8), request), 0);
 }
 
 TEST(PixelFormatChoice, WithoutStencilDepthComesFirst) {
@@ -72,10 +72,16 @@ TEST(PixelFormatChoice, NoDepthWantedTakesAnyDepth) {
 }
 
 TEST(PixelFormatChoice, AlphaIsWhatIsMissingTo32) {
+  PixelTraits translucent = make_traits(24, 8, 8);
+  translucent.translucent = true;
   PixelRequest request;
-  EXPECT_EQ(best({make_traits(24, 8, 8), make_traits(24, 8, 0)}, request), 1);
+  EXPECT_EQ(best({translucent, make_traits(24, 8, 0)}, request), 1);
   request.color_bits = 24;
-  EXPECT_EQ(best({make_traits(24, 8, 0), make_traits(24, 8, 8)}, request), 1);
+  EXPECT_EQ(best({make_traits(24, 8, 0), translucent}, request), 1);
+}
+
+TEST(PixelFormatChoice, AlphaIsTakenUnasked) {
+  EXPECT_EQ(best({make_traits(24, 8, 0), make_traits(24, 8, 8)}, PixelRequest()), 1);
 }
 
 TEST(PixelFormatChoice, SixteenBitsOfColorWillDoWithFewerChannels) {
