@@ -4,6 +4,7 @@
 
 #include <exception>
 
+#include "core/large_array.h"
 #include "geometry/limits.h"
 
 namespace orv {
@@ -31,13 +32,13 @@ bool GeometryCore::alloc_vertex_data() {
       } else {
         vertices = vertex_alignment > 0
                        ? AlignedNew_Vertex(num_vertices, vertex_alignment, &vertices_raw)
-                       : new Vertex[num_vertices];
+                       : detail::new_large_array<Vertex>(num_vertices);
       }
     }
     init_user_vertex_attribs_arrays(num_vertices);
     if (alloc_params.alloc_vertex_particles) {
       check_geometry_bytes(num_vertices, sizeof(vec4));
-      vertex_particles = new vec4[num_vertices];
+      vertex_particles = detail::new_large_array<vec4>(num_vertices);
     }
     return true;
   } catch (const std::exception& e) {
@@ -101,8 +102,8 @@ bool GeometryCore::alloc_faces_guarded(unsigned int count, Make make) {
   try {
     check_geometry_bytes(count, sizeof(vec4));
     make();
-    face_normals = new vec4[count];
-    face_materials = new unsigned int[count]();
+    face_normals = detail::new_large_array<vec4>(count);
+    face_materials = detail::new_large_array<unsigned int>(count);
     return true;
   } catch (const std::exception& e) {
     LogMgr::get().tracef_error("Geometry core - faces memory allocation failed: %s", e.what());
@@ -123,7 +124,7 @@ bool GeometryCore::alloc_face_data(unsigned int count, bool force_32) {
       faces_u16 = new FaceU16[count];
     } else {
       index_bits = 32;
-      faces_u32 = new FaceU32[count];
+      faces_u32 = detail::new_large_array<FaceU32>(count);
     }
   });
 }

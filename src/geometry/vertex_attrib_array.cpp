@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/large_array.h"
 #include "geometry/limits.h"
 
 namespace orv {
@@ -18,7 +19,7 @@ template <class T>
 T* new_elements(unsigned int n, int byte_alignment, unsigned char** raw,
                 T* (*new_aligned)(unsigned int, int, unsigned char**)) {
   *raw = nullptr;
-  return byte_alignment > 0 ? new_aligned(n, byte_alignment, raw) : new T[n];
+  return byte_alignment > 0 ? new_aligned(n, byte_alignment, raw) : detail::new_large_array<T>(n);
 }
 
 template <class T>

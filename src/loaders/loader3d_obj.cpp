@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/core_author.h"
+#include "core/mapped_file.h"
 #include "core/read_file.h"
 #include "loaders/loader_names.h"
 #include "loaders/obj_model_builder.h"
@@ -27,9 +28,8 @@ bool Loader3D_OBJ::load_model(Model* model, const char* filename) {
   const std::string path = directory + filename;
   detail::ObjDocument document;
   {
-    // The text goes before the meshes are made, which need much memory themselves.
-    std::vector<unsigned char> text;
-    if (!detail::read_whole_file(path.c_str(), text)) {
+    const detail::MappedFile file(path.c_str());
+    if (!file.is_open()) {
       tracef_debug("can't read %s", path.c_str());
       return false;
     }
@@ -38,8 +38,7 @@ bool Loader3D_OBJ::load_model(Model* model, const char* filename) {
       tracef_debug("%s: can't read material library %s", path.c_str(), name.c_str());
       return false;
     };
-    detail::parse_obj({reinterpret_cast<const char*>(text.data()), text.size()}, read_library,
-                      document);
+    detail::parse_obj(file.text(), read_library, document);
   }
   detail::build_obj_model(document, *model);
   return true;

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/large_array.h"
 #include "loaders/loader_names.h"
 
 namespace orv {
@@ -15,6 +16,9 @@ class Material;
 }  // namespace orv
 
 namespace orv::detail {
+
+template <class T>
+using LargeVector = std::vector<T, LargeArrayAllocator<T>>;
 
 /// The values that a material has before a file says otherwise.
 struct ObjMaterialDefaults {
@@ -103,11 +107,11 @@ class NamedList {
 /// What the text of an OBJ file and its material libraries hold. Polygons of all groups are kept
 /// in one list, a polygon being the corners from the end of the one before up to its own end.
 struct ObjDocument {
-  std::vector<vec4> positions;
-  std::vector<vec4> normals;
-  std::vector<vec4> texcoords;
-  std::vector<ObjCorner> corners;
-  std::vector<std::uint32_t> polygon_ends;
+  LargeVector<vec4> positions;
+  LargeVector<vec4> normals;
+  LargeVector<vec4> texcoords;
+  LargeVector<ObjCorner> corners;
+  LargeVector<std::uint32_t> polygon_ends;
   NamedList<ObjMaterial> materials;
   NamedList<ObjGroup> groups;
 };

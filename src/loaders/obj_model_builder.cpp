@@ -18,7 +18,7 @@ namespace {
 /// A list of which each index that names no element names the first one.
 class ElementList {
  public:
-  explicit ElementList(const std::vector<vec4>& elements)
+  explicit ElementList(const LargeVector<vec4>& elements)
       : elements_(elements.data()), count_(static_cast<std::uint32_t>(elements.size())) {}
 
   bool empty() const { return count_ == 0; }
@@ -181,7 +181,7 @@ void ObjModelBuilder::build_mesh(const ObjGroup& group) {
 void ObjModelBuilder::write_faces(const ObjGroup& group, MeshData& data, unsigned int material_id) {
   TriangleWriter writer(data, positions_, normals_, texcoords_);
   const ObjCorner* corners = document_.corners.data();
-  const std::vector<std::uint32_t>& ends = document_.polygon_ends;
+  const LargeVector<std::uint32_t>& ends = document_.polygon_ends;
   for (const ObjPolygonRun& run : group.runs) {
     for (std::uint32_t polygon = run.first; polygon < run.first + run.count; ++polygon) {
       const std::uint32_t begin = polygon == 0 ? 0 : ends[polygon - 1];

@@ -34,14 +34,13 @@ bool read_corner(TextScanner& scanner, CornerLayout layout, ObjCorner& corner) {
 }
 
 /// Finds the layout by the first corner's word and reads that corner.
-CornerLayout read_first_corner(std::string_view word, ObjCorner& corner) {
+CornerLayout read_corner_word(std::string_view word, ObjCorner& corner) {
   const std::size_t slashes = word.find("//");
-  if (slashes != std::string_view::npos && word.substr(0, slashes).find('\0') == word.npos) {
-    TextScanner scanner(word);
+  TextScanner scanner(word);
+  if (slashes != word.npos && word.substr(0, slashes).find('\0') == word.npos) {
     read_corner(scanner, CornerLayout::POSITION_NORMAL, corner);
     return CornerLayout::POSITION_NORMAL;
   }
-  TextScanner scanner(word);
   if (!scanner.read_int(corner.position)) return CornerLayout::NONE;
   if (!scanner.read_literal('/') || !scanner.read_int(corner.texcoord)) {
     return CornerLayout::POSITION;
@@ -50,6 +49,32 @@ CornerLayout read_first_corner(std::string_view word, ObjCorner& corner) {
     return CornerLayout::POSITION_TEXCOORD;
   }
   return CornerLayout::ALL;
+}
+
+/// The same for a word that is written as it should be; NONE for any other.
+CornerLayout read_plain_corner(TextScanner& scanner, ObjCorner& corner) {
+  if (!scanner.read_int(corner.position)) return CornerLayout::NONE;
+  if (scanner.at_word_end()) return CornerLayout::POSITION;
+  if (!scanner.read_literal('/')) return CornerLayout::NONE;
+  if (scanner.read_literal('/')) {
+    const bool plain = !scanner.at_word_end() && scanner.read_int(corner.normal);
+    return plain && scanner.at_word_end() ? CornerLayout::POSITION_NORMAL : CornerLayout::NONE;
+  }
+  if (scanner.at_word_end() || !scanner.read_int(corner.texcoord)) return CornerLayout::NONE;
+  if (scanner.at_word_end()) return CornerLayout::POSITION_TEXCOORD;
+  if (!scanner.read_literal('/') || scanner.at_word_end() || !scanner.read_int(corner.normal)) {
+    return CornerLayout::NONE;
+  }
+  return scanner.at_word_end() ? CornerLayout::ALL : CornerLayout::NONE;
+}
+
+CornerLayout read_first_corner(TextScanner& scanner, ObjCorner& corner) {
+  const TextScanner start = scanner;
+  const CornerLayout layout = read_plain_corner(scanner, corner);
+  if (layout != CornerLayout::NONE) return layout;
+  scanner = start;
+  corner = {};
+  return read_corner_word(scanner.read_word(), corner);
 }
 
 /// A name in the rest of a line: from the first character that is no blank to the line end.
@@ -70,7 +95,7 @@ class ObjParser {
  private:
   void read_statement(std::string_view word);
   void read_vertex(std::string_view word);
-  void read_vector(std::vector<vec4>& list, int dim);
+  void read_vector(LargeVector<vec4>& list, int dim);
   void read_face();
   void append_polygon(CornerLayout layout, ObjCorner corner);
   void read_group();
@@ -125,7 +150,7 @@ void ObjParser::read_vertex(std::string_view word) {
   if (second == 't') return read_vector(document_.texcoords, 2);
 }
 
-void ObjParser::read_vector(std::vector<vec4>& list, int dim) {
+void ObjParser::read_vector(LargeVector<vec4>& list, int dim) {
   vec4 v;
   if (scanner_.read_float(v.x) && scanner_.read_float(v.y) && dim == 3) scanner_.read_float(v.z);
   list.push_back(v);
@@ -137,14 +162,14 @@ void ObjParser::read_face() {
   ++document_.materials[material_].num_faces;
   if (group_ == NONE) enter_group("obj_default_group");
   ObjCorner corner;
-  const CornerLayout layout = read_first_corner(scanner_.read_word(), corner);
+  const CornerLayout layout = read_first_corner(scanner_, corner);
   if (layout != CornerLayout::NONE) append_polygon(layout, corner);
 }
 
 /// Takes the other corners for as long as they can be read. The second and the third are there in
 /// any case: numbers that are missing are those of the corner before.
 void ObjParser::append_polygon(CornerLayout layout, ObjCorner corner) {
-  std::vector<ObjCorner>& corners = document_.corners;
+  LargeVector<ObjCorner>& corners = document_.corners;
   corners.push_back(corner);
   for (int i = 0; i < 2; ++i) {
     read_corner(scanner_, layout, corner);

@@ -21,6 +21,9 @@ class TextScanner {
   bool at_end() const { return p_ == end_; }
   const char* position() const { return p_; }
 
+  /// Whether the word that is being read ends here.
+  bool at_word_end() const { return p_ == end_ || is_space(*p_); }
+
   void skip_space() {
     while (p_ != end_ && is_space(*p_)) ++p_;
   }
@@ -56,12 +59,11 @@ class TextScanner {
     bool negative = false;
     if (p_ != end_ && (*p_ == '-' || *p_ == '+')) negative = *p_++ == '-';
     const char* digits = p_;
-    std::int64_t number = 0;
-    while (p_ != end_ && is_digit(*p_)) {
-      if (number <= INT32_MAX) number = number * 10 + (*p_ - '0');
-      ++p_;
-    }
+    std::uint64_t read = 0;
+    p_ = read_digits(p_, read);
     if (p_ == digits) return false;
+    std::int64_t number =
+        p_ - digits <= 18 ? static_cast<std::int64_t>(read) : clamp_digits(digits, p_);
     if (negative) number = -number;
     if (number > INT32_MAX) number = INT32_MAX;
     if (number < INT32_MIN) number = INT32_MIN;
@@ -83,12 +85,40 @@ class TextScanner {
                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
+  static constexpr std::uint64_t WHOLE_POWERS_OF_TEN[] = {
+      1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+
+  /// Appends the digits at `p` to a number, eight at a time: bytes that are digits are made 0 to 9,
+  /// moved up against the first byte that is none, and added up in pairs. The number wraps when
+  /// there are too many digits.
   const char* read_digits(const char* p, std::uint64_t& number) const {
+    while (end_ - p >= 8) {
+      std::uint64_t bytes;
+      std::memcpy(&bytes, p, 8);
+      bytes ^= 0x3030303030303030u;
+      const std::uint64_t others = ((bytes + 0x7676767676767676u) | bytes) & 0x8080808080808080u;
+      const int count = others == 0 ? 8 : std::countr_zero(others) / 8;
+      if (count == 0) return p;
+      bytes <<= (8 - count) * 8;
+      bytes = (bytes * 10 + (bytes >> 8)) & 0x00FF00FF00FF00FFu;
+      bytes = (bytes * 100 + (bytes >> 16)) & 0x0000FFFF0000FFFFu;
+      bytes = (bytes * 10000 + (bytes >> 32)) & 0x00000000FFFFFFFFu;
+      number = number * WHOLE_POWERS_OF_TEN[count] + bytes;
+      p += count;
+      if (count < 8) return p;
+    }
     while (p != end_ && is_digit(*p)) {
       number = number * 10 + static_cast<std::uint64_t>(*p - '0');
       ++p;
     }
     return p;
+  }
+
+  /// The number of many digits, which may all be zeros, or one that is too large for an int.
+  static std::int64_t clamp_digits(const char* p, const char* end) {
+    std::int64_t number = 0;
+    for (; p != end && number <= INT32_MAX; ++p) number = number * 10 + (*p - '0');
+    return number;
   }
 
   /// The numbers that nearly all files are made of: a few digits with a point and a small exponent.
@@ -99,7 +129,8 @@ class TextScanner {
     if (negative) ++p;
     const char* begin = p;
     std::uint64_t mantissa = 0;
-    p = read_digits(p, mantissa);
+    // Mostly a single digit.
+    while (p != end_ && is_digit(*p)) mantissa = mantissa * 10 + static_cast<unsigned>(*p++ - '0');
     std::ptrdiff_t num_digits = p - begin;
     std::ptrdiff_t exponent = 0;
     if (p != end_ && *p == '.') {
