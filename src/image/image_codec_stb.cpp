@@ -1,5 +1,6 @@
 #include <orv/image/image_codec_stb.h>
 
+#include "core/core_author.h"
 #include "core/read_file.h"
 #include "image/image_access.h"
 #include "image/jpeg_writer.h"
@@ -58,7 +59,7 @@ ImageCodecStb::ImageCodecStb() {
   set_description(
       "STB image loader. Supported formats: *.JPEG, *.PNG, *.TGA, *.BMP, *.PSD, *.GIF, *.HDR, "
       "*.PIC");
-  set_author("The Orvane Core developers");
+  set_author(CORE_AUTHOR);
   set_build_info(build);
   set_version(0, 1, 0);
 }

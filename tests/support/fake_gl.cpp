@@ -76,8 +76,8 @@ std::string print_enum(const std::string& function, const std::string& parameter
                                            "GL_TRIANGLES_ADJACENCY",
                                            "GL_TRIANGLE_STRIP_ADJACENCY",
                                            "GL_PATCHES"};
-  const bool draws = (function.rfind("glDraw", 0) == 0 && function != "glDrawBuffer") ||
-                     function == "glBegin";
+  const bool draws =
+      (function.rfind("glDraw", 0) == 0 && function != "glDrawBuffer") || function == "glBegin";
   if (draws && parameter == "mode" && value < std::size(PRIMITIVES)) return PRIMITIVES[value];
   if (function == "glBlendFunc" && value < 2) return value == 0 ? "GL_ZERO" : "GL_ONE";
   if (value == 0) return "GL_NONE";
@@ -404,9 +404,7 @@ struct FakeGlAnswers {
     *params = name == GL_BUFFER_SIZE ? static_cast<GLint>(bytes.size()) : 0;
     if (name == GL_BUFFER_MAPPED) *params = fake.mapped_.count(fake.bound_buffers_[target]) ? 1 : 0;
   }
-  void* answer(tag::glMapBuffer, GLenum target, GLenum) {
-    return map(target, 0, 0);
-  }
+  void* answer(tag::glMapBuffer, GLenum target, GLenum) { return map(target, 0, 0); }
   void* answer(tag::glMapBufferRange, GLenum target, GLintptr offset, GLsizeiptr size, GLbitfield) {
     return map(target, offset, size);
   }
@@ -547,15 +545,24 @@ struct FakeGlAnswers {
   // What a question for a binding answers, unless a test has set another answer.
   GLuint binding(GLenum name) {
     switch (name) {
-      case GL_CURRENT_PROGRAM: return fake.bound_program_;
-      case GL_VERTEX_ARRAY_BINDING: return fake.bound_vertex_array_;
-      case GL_DRAW_FRAMEBUFFER_BINDING: return fake.draw_framebuffer_;
-      case GL_READ_FRAMEBUFFER_BINDING: return fake.read_framebuffer_;
-      case GL_ARRAY_BUFFER_BINDING: return fake.bound_buffers_[GL_ARRAY_BUFFER];
-      case GL_ELEMENT_ARRAY_BUFFER_BINDING: return fake.bound_buffers_[GL_ELEMENT_ARRAY_BUFFER];
-      case GL_UNIFORM_BUFFER_BINDING: return fake.bound_buffers_[GL_UNIFORM_BUFFER];
-      case GL_SHADER_STORAGE_BUFFER_BINDING: return fake.bound_buffers_[GL_SHADER_STORAGE_BUFFER];
-      default: return 0;
+      case GL_CURRENT_PROGRAM:
+        return fake.bound_program_;
+      case GL_VERTEX_ARRAY_BINDING:
+        return fake.bound_vertex_array_;
+      case GL_DRAW_FRAMEBUFFER_BINDING:
+        return fake.draw_framebuffer_;
+      case GL_READ_FRAMEBUFFER_BINDING:
+        return fake.read_framebuffer_;
+      case GL_ARRAY_BUFFER_BINDING:
+        return fake.bound_buffers_[GL_ARRAY_BUFFER];
+      case GL_ELEMENT_ARRAY_BUFFER_BINDING:
+        return fake.bound_buffers_[GL_ELEMENT_ARRAY_BUFFER];
+      case GL_UNIFORM_BUFFER_BINDING:
+        return fake.bound_buffers_[GL_UNIFORM_BUFFER];
+      case GL_SHADER_STORAGE_BUFFER_BINDING:
+        return fake.bound_buffers_[GL_SHADER_STORAGE_BUFFER];
+      default:
+        return 0;
     }
   }
   void* map(GLenum target, GLintptr offset, GLsizeiptr size) {

@@ -41,9 +41,9 @@ class RecordingRenderer : public RendererNull {
   /// Matrix of the last call of an operation that takes matrices (its first one).
   const mat4& last_matrix(const std::string& name) { return matrices_[name]; }
 
-#define ORV_OP(type, name, parameters, arguments, null_result)         \
-  type name parameters override {                                      \
-    record(#name, std::forward_as_tuple arguments);                    \
+#define ORV_OP(type, name, parameters, arguments, null_result)            \
+  type name parameters override {                                         \
+    record(#name, std::forward_as_tuple arguments);                       \
     return answer_to<type>(#name, [&]() -> type { return null_result; }); \
   }
 #define ORV_BASE_OP(type, name, parameters, arguments, null_result)

@@ -354,8 +354,8 @@ class RendererOpenGL : public Renderer {
   std::unordered_map<unsigned int, std::vector<unsigned int>> failed_shaders_;
   std::unordered_map<unsigned int, std::unique_ptr<GlCoreColorProgram>> core_color_programs_;
   std::unordered_map<unsigned int, unsigned int> scratch_vertex_arrays_;  // by context
-  std::unordered_map<int, unsigned int> context_ids_;        // by window id
-  std::unordered_map<int, unsigned int> saved_context_ids_;  // by window id
+  std::unordered_map<int, unsigned int> context_ids_;                     // by window id
+  std::unordered_map<int, unsigned int> saved_context_ids_;               // by window id
   unsigned int last_context_id_ = 1;
   unsigned int current_context_id_ = 1;
 

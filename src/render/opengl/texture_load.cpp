@@ -234,7 +234,7 @@ unsigned int RendererOpenGL::choose_internal_format(const TextureData& texture,
   return has_blocks && texture.type == TEXTURE_1D ? format.compressed : named;
 }
 
-// ---- specification ----
+// ---- storage ----
 
 void RendererOpenGL::specify_texture(TextureData* texture, const void* pixels) {
   const Image& image = texture->get_main_image();

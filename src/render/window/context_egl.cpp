@@ -20,16 +20,17 @@ using Lock = std::lock_guard<std::recursive_mutex>;
 
 // ---- the library -----------------------------------------------------------------------------
 
-#define ORV_EGL_FUNCTIONS(F)                                                                \
-  F(eglGetProcAddress)                                                                      \
-  F(eglGetError)                                                                            \
-  F(eglGetDisplay)                                                                          \
-  F(eglInitialize)                                                                          \
-  F(eglQueryString)                                                                         \
-  F(eglBindAPI) F(eglQueryAPI) F(eglGetConfigs) F(eglChooseConfig) F(eglGetConfigAttrib)    \
-      F(eglCreateContext) F(eglDestroyContext) F(eglMakeCurrent) F(eglCreatePbufferSurface) \
-          F(eglDestroySurface) F(eglSwapBuffers) F(eglSwapInterval) F(eglGetCurrentContext) \
-              F(eglGetCurrentDisplay) F(eglGetCurrentSurface)
+#define ORV_EGL_FUNCTIONS(F)                                                                   \
+  F(eglGetProcAddress)                                                                         \
+  F(eglGetError)                                                                               \
+  F(eglGetDisplay)                                                                             \
+  F(eglInitialize)                                                                             \
+  F(eglQueryString)                                                                            \
+  F(eglBindAPI)                                                                                \
+  F(eglQueryAPI) F(eglGetConfigs) F(eglChooseConfig) F(eglGetConfigAttrib) F(eglCreateContext) \
+      F(eglDestroyContext) F(eglMakeCurrent) F(eglCreatePbufferSurface) F(eglDestroySurface)   \
+          F(eglSwapBuffers) F(eglSwapInterval) F(eglGetCurrentContext) F(eglGetCurrentDisplay) \
+              F(eglGetCurrentSurface)
 
 struct EglLibrary {
 #define ORV_EGL_MEMBER(name) decltype(&::name) name = nullptr;

@@ -23,19 +23,20 @@ namespace {
   F(XFree)                                                                                     \
   F(XSetErrorHandler)                                                                          \
   F(XOpenDisplay)                                                                              \
-  F(XCloseDisplay) F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) F(XFreeColormap) \
-      F(XCreateWindow) F(XDestroyWindow) F(XMapWindow) F(XResizeWindow) F(XVisualIDFromVisual) \
+  F(XCloseDisplay)                                                                             \
+  F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) F(XFreeColormap) F(XCreateWindow) \
+      F(XDestroyWindow) F(XMapWindow) F(XResizeWindow) F(XVisualIDFromVisual)                  \
           F(XScreenNumberOfScreen)
 
-#define ORV_GLX_FUNCTIONS(F)                                                             \
-  F(glXQueryExtension)                                                                   \
-  F(glXGetFBConfigs)                                                                     \
-  F(glXGetFBConfigAttrib)                                                                \
-  F(glXGetVisualFromFBConfig)                                                            \
-  F(glXCreateNewContext) F(glXDestroyContext) F(glXMakeContextCurrent) F(glXSwapBuffers) \
-      F(glXGetCurrentContext) F(glXGetCurrentDisplay) F(glXGetCurrentDrawable)           \
-          F(glXGetCurrentReadDrawable) F(glXQueryExtensionsString) F(glXQueryDrawable)   \
-              F(glXGetProcAddressARB)
+#define ORV_GLX_FUNCTIONS(F)                                                              \
+  F(glXQueryExtension)                                                                    \
+  F(glXGetFBConfigs)                                                                      \
+  F(glXGetFBConfigAttrib)                                                                 \
+  F(glXGetVisualFromFBConfig)                                                             \
+  F(glXCreateNewContext)                                                                  \
+  F(glXDestroyContext) F(glXMakeContextCurrent) F(glXSwapBuffers) F(glXGetCurrentContext) \
+      F(glXGetCurrentDisplay) F(glXGetCurrentDrawable) F(glXGetCurrentReadDrawable)       \
+          F(glXQueryExtensionsString) F(glXQueryDrawable) F(glXGetProcAddressARB)
 
 struct GlxLibrary {
 #define ORV_MEMBER(name) decltype(&::name) name = nullptr;
