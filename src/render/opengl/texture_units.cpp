@@ -93,8 +93,9 @@ bool RendererOpenGL::texture_unbind_unit(unsigned int unit) {
   if (!has_fixed_function()) return true;
   // The fixed pipeline knows fewer units than programs.
   if (static_cast<int>(unit) >= read_integer(GL_MAX_TEXTURE_UNITS)) return true;
-  for (const GLenum target :
-       {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP, GL_TEXTURE_RECTANGLE}) {
+  constexpr GLenum targets[] = {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP,
+                                GL_TEXTURE_RECTANGLE};
+  for (const GLenum target : targets) {
     if (has_texture_target(target)) set_capability(target, false);
   }
   if (gl_.glClientActiveTexture) gl_.glClientActiveTexture(GL_TEXTURE0 + unit);
