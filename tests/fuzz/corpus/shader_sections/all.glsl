@@ -1,0 +1,6 @@
+[Compute_Shader]
+#version 430
+[Geometry_Shader]
+[TessEval_Shader]
+[TessControl_Shader]
+[Compute_Shader]
