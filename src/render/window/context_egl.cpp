@@ -20,17 +20,29 @@ using Lock = std::lock_guard<std::recursive_mutex>;
 
 // ---- the library -----------------------------------------------------------------------------
 
-#define ORV_EGL_FUNCTIONS(F)                                                                   \
-  F(eglGetProcAddress)                                                                         \
-  F(eglGetError)                                                                               \
-  F(eglGetDisplay)                                                                             \
-  F(eglInitialize)                                                                             \
-  F(eglQueryString)                                                                            \
-  F(eglBindAPI)                                                                                \
-  F(eglQueryAPI) F(eglGetConfigs) F(eglChooseConfig) F(eglGetConfigAttrib) F(eglCreateContext) \
-      F(eglDestroyContext) F(eglMakeCurrent) F(eglCreatePbufferSurface) F(eglDestroySurface)   \
-          F(eglSwapBuffers) F(eglSwapInterval) F(eglGetCurrentContext) F(eglGetCurrentDisplay) \
-              F(eglGetCurrentSurface)
+// clang-format off
+#define ORV_EGL_FUNCTIONS(F) \
+  F(eglGetProcAddress)       \
+  F(eglGetError)             \
+  F(eglGetDisplay)           \
+  F(eglInitialize)           \
+  F(eglQueryString)          \
+  F(eglBindAPI)              \
+  F(eglQueryAPI)             \
+  F(eglGetConfigs)           \
+  F(eglChooseConfig)         \
+  F(eglGetConfigAttrib)      \
+  F(eglCreateContext)        \
+  F(eglDestroyContext)       \
+  F(eglMakeCurrent)          \
+  F(eglCreatePbufferSurface) \
+  F(eglDestroySurface)       \
+  F(eglSwapBuffers)          \
+  F(eglSwapInterval)         \
+  F(eglGetCurrentContext)    \
+  F(eglGetCurrentDisplay)    \
+  F(eglGetCurrentSurface)
+// clang-format on
 
 struct EglLibrary {
 #define ORV_EGL_MEMBER(name) decltype(&::name) name = nullptr;

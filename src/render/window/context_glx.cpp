@@ -18,25 +18,41 @@ namespace {
 
 // ---- the libraries ---------------------------------------------------------------------------
 
-#define ORV_X11_FUNCTIONS(F)                                                                   \
-  F(XSync)                                                                                     \
-  F(XFree)                                                                                     \
-  F(XSetErrorHandler)                                                                          \
-  F(XOpenDisplay)                                                                              \
-  F(XCloseDisplay)                                                                             \
-  F(XGetWindowAttributes) F(XGetGeometry) F(XCreateColormap) F(XFreeColormap) F(XCreateWindow) \
-      F(XDestroyWindow) F(XMapWindow) F(XResizeWindow) F(XVisualIDFromVisual)                  \
-          F(XScreenNumberOfScreen)
+// clang-format off
+#define ORV_X11_FUNCTIONS(F) \
+  F(XSync)                   \
+  F(XFree)                   \
+  F(XSetErrorHandler)        \
+  F(XOpenDisplay)            \
+  F(XCloseDisplay)           \
+  F(XGetWindowAttributes)    \
+  F(XGetGeometry)            \
+  F(XCreateColormap)         \
+  F(XFreeColormap)           \
+  F(XCreateWindow)           \
+  F(XDestroyWindow)          \
+  F(XMapWindow)              \
+  F(XResizeWindow)           \
+  F(XVisualIDFromVisual)     \
+  F(XScreenNumberOfScreen)
 
-#define ORV_GLX_FUNCTIONS(F)                                                              \
-  F(glXQueryExtension)                                                                    \
-  F(glXGetFBConfigs)                                                                      \
-  F(glXGetFBConfigAttrib)                                                                 \
-  F(glXGetVisualFromFBConfig)                                                             \
-  F(glXCreateNewContext)                                                                  \
-  F(glXDestroyContext) F(glXMakeContextCurrent) F(glXSwapBuffers) F(glXGetCurrentContext) \
-      F(glXGetCurrentDisplay) F(glXGetCurrentDrawable) F(glXGetCurrentReadDrawable)       \
-          F(glXQueryExtensionsString) F(glXQueryDrawable) F(glXGetProcAddressARB)
+#define ORV_GLX_FUNCTIONS(F)   \
+  F(glXQueryExtension)         \
+  F(glXGetFBConfigs)           \
+  F(glXGetFBConfigAttrib)      \
+  F(glXGetVisualFromFBConfig)  \
+  F(glXCreateNewContext)       \
+  F(glXDestroyContext)         \
+  F(glXMakeContextCurrent)     \
+  F(glXSwapBuffers)            \
+  F(glXGetCurrentContext)      \
+  F(glXGetCurrentDisplay)      \
+  F(glXGetCurrentDrawable)     \
+  F(glXGetCurrentReadDrawable) \
+  F(glXQueryExtensionsString)  \
+  F(glXQueryDrawable)          \
+  F(glXGetProcAddressARB)
+// clang-format on
 
 struct GlxLibrary {
 #define ORV_MEMBER(name) decltype(&::name) name = nullptr;

@@ -208,10 +208,10 @@ TEST_F(GlxContexts, EightSamplesEndAtFewer) {
 
 std::vector<int> read_bits(const RendererOpenGL& renderer) {
   std::vector<int> bits;
-  for (const GLenum name : {GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS, GL_ALPHA_BITS, GL_DEPTH_BITS,
-                            GL_STENCIL_BITS, GL_SAMPLES}) {
+  for (const int name : {GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS, GL_ALPHA_BITS, GL_DEPTH_BITS,
+                         GL_STENCIL_BITS, GL_SAMPLES}) {
     bits.push_back(-1);
-    renderer.core_functions().glGetIntegerv(name, &bits.back());
+    renderer.core_functions().glGetIntegerv(static_cast<GLenum>(name), &bits.back());
   }
   return bits;
 }
