@@ -14,14 +14,6 @@ namespace {
 
 unsigned int side(int size) { return size > 0 ? static_cast<unsigned int>(size) : 0; }
 
-/// Writes a size and format into an image without making pixels. Pixels that were there are let go
-/// when they are too few for it.
-void rename_image(Image& image, int width, int height, int depth, PIXEL_FORMAT format) {
-  image.create(side(width), side(height), side(depth), format, false, false);
-  if (image.u8_ptr && !image.has_pixels()) image._delete_u8_ptr();
-  if (image.f32_ptr && !image.has_pixels()) image._delete_f32_ptr();
-}
-
 /// Makes a block a view of an API object that belongs to a render target.
 void become_view(TextureData& data, const GpuRenderTarget& target, unsigned int api_id,
                  int image_depth) {
@@ -29,7 +21,8 @@ void become_view(TextureData& data, const GpuRenderTarget& target, unsigned int 
   data.gl_texture_borrowed = true;
   data.gpu_update_needed = false;
   data.type = TEXTURE_2D;
-  rename_image(data.image, target.width, target.height, image_depth, target.pixel_format);
+  data.set_image_size(side(target.width), side(target.height), side(image_depth),
+                      target.pixel_format);
   data.loaded_in_gpu_memory = true;
 }
 

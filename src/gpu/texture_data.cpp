@@ -5,15 +5,29 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
+
+#include "image/image_access.h"
 
 namespace orv {
 namespace {
 
-/// Copies a text into a field, cut to what fits; the rest of the field is zeroed.
+/// Bytes that an upload reads of an image; the most there can be where that is no number.
+std::size_t pixel_bytes(const Image& image) {
+  const std::size_t pixel_size = detail::readable_format_info(image.pixel_format).size;
+  std::size_t bytes = 0;
+  return detail::block_size(detail::pixel_count(image), 1, pixel_size, &bytes)
+             ? bytes
+             : std::numeric_limits<std::size_t>::max();
+}
+
+/// Copies a text, which may be the field's own, into a field, cut to what fits; the rest of the
+/// field is zeroed.
 template <std::size_t SIZE>
 void store_text(char (&field)[SIZE], const char* text) {
-  std::memset(field, 0, SIZE);
-  if (text) std::memcpy(field, text, strnlen(text, SIZE - 1));
+  const std::size_t length = text ? strnlen(text, SIZE - 1) : 0;
+  if (length > 0) std::memmove(field, text, length);
+  std::memset(field + length, 0, SIZE - length);
 }
 
 }  // namespace
@@ -83,6 +97,21 @@ bool TextureData::update_pixel_format(PIXEL_FORMAT target) {
   return is_changed;
 }
 
+void TextureData::set_image_size(unsigned int width, unsigned int height, unsigned int depth,
+                                 PIXEL_FORMAT format) {
+  const std::size_t bytes_before = pixel_bytes(image);
+  image.create(width, height, depth, format, false, false);
+  const std::size_t bytes = pixel_bytes(image);
+  // How far pixels handed in reach is known by nothing but the size they were for.
+  const bool is_grown = bytes > bytes_before;
+  if (is_grown) image.codec_pixels = nullptr;
+  const auto is_short = [&](std::size_t capacity) {
+    return capacity == 0 ? is_grown : capacity < bytes;
+  };
+  if (image.u8_ptr && is_short(image.get_u8_capacity())) image._delete_u8_ptr();
+  if (image.f32_ptr && is_short(image.get_f32_capacity())) image._delete_f32_ptr();
+}
+
 void TextureData::cleanup() {
   image.cleanup();
   cleanup_cubemap_data();
@@ -107,7 +136,7 @@ unsigned int TextureData::get_max_number_of_mipmaps() const {
 bool TextureData::set_compression_format(const char* name) {
   if (!name) return false;
   store_text(compression_format, name);
-  if (name[0] != '\0') gpu_compression = true;
+  if (compression_format[0] != '\0') gpu_compression = true;
   return true;
 }
 

@@ -147,10 +147,8 @@ bool Texture::update_pixmap_rgba_u8_from_render_target_v2(Renderer* renderer,
   if (target->width < 0 || target->height < 0) return false;
   const auto width = static_cast<unsigned int>(target->width);
   const auto height = static_cast<unsigned int>(target->height);
-  Image& image = data_->image;
-  if (image.width != width || image.height != height) {
-    image.create(width, height, 1, PF_RGBA_U8, false, false);
-    if (image.u8_ptr && !image.has_pixels()) image._delete_u8_ptr();
+  if (data_->image.width != width || data_->image.height != height) {
+    data_->set_image_size(width, height, 1, PF_RGBA_U8);
     data_->type = TEXTURE_2D;
   }
   // An object of the texture's own would be lost with its id.

@@ -158,6 +158,62 @@ TEST(TextureData, LayersComeBeforeTheImage) {
   EXPECT_TRUE(data.has_pixels());
 }
 
+TEST(TextureData, SizeWithoutPixelsKeepsThoseThatSuffice) {
+  TextureData data;
+  ASSERT_TRUE(data.image.create(4, 4, 1, PF_RGBA_U8, true, true));
+  const unsigned char* store = data.image.u8_ptr;
+  data.set_image_size(2, 8, 3, PF_BGRA_U8);
+  EXPECT_EQ(data.image.u8_ptr, store);
+  EXPECT_EQ(data.image.width, 2u);
+  EXPECT_EQ(data.image.height, 8u);
+  EXPECT_EQ(data.image.depth, 3u);
+  EXPECT_EQ(data.image.pixel_format, PF_BGRA_U8);
+  data.set_image_size(4, 5, 1, PF_RGBA_U8);
+  EXPECT_EQ(data.image.u8_ptr, nullptr);
+  EXPECT_FALSE(data.has_pixels());
+}
+
+TEST(TextureData, SizeWithoutPixelsLetsGoOfHandedInPixelsWhenItGrows) {
+  struct Row {
+    unsigned int width, height;
+    PIXEL_FORMAT format;
+    bool stays;
+  };
+  const Row rows[] = {{2, 2, PF_RGBA_U8, true},
+                      {4, 1, PF_BGRA_U8, true},
+                      {1, 1, PF_RGB_U8, true},
+                      {3, 2, PF_RGBA_U8, false},
+                      {2, 2, PF_RGBA_F32, false},
+                      {2, 2, PF_RGBA_F16, false},
+                      {0xFFFFFFFFu, 0xFFFFFFFFu, PF_RGBA_F32, false}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.width << "x" << row.height << " " << row.format);
+    unsigned char bytes[16] = {}, borrowed[16] = {};
+    float floats[16] = {};
+    TextureData data;
+    data.image.create(2, 2, 1, PF_RGBA_U8, false, false);
+    data.image.set_u8_ptr(bytes);
+    data.image.set_f32_ptr(floats);
+    data.image.codec_pixels = borrowed;
+    data.set_image_size(row.width, row.height, 1, row.format);
+    EXPECT_EQ(data.image.u8_ptr, row.stays ? bytes : nullptr);
+    EXPECT_EQ(data.image.f32_ptr, row.stays ? floats : nullptr);
+    EXPECT_EQ(data.image.codec_pixels, row.stays ? borrowed : nullptr);
+  }
+}
+
+TEST(TextureData, OwnTextsMaySetTheFieldsThatTheyComeFrom) {
+  TextureData data;
+  data.set_texture_name_and_id("wood", 3);
+  data.set_texture_name_and_id(data.get_texture_name(), 4);
+  EXPECT_STREQ(data.get_texture_name(), "wood");
+  data.set_compression_format("RGB_S3TC_DXT1");
+  data.set_gpu_compression_state(false);
+  EXPECT_TRUE(data.set_compression_format(data.get_compression_format()));
+  EXPECT_STREQ(data.get_compression_format(), "RGB_S3TC_DXT1");
+  EXPECT_TRUE(data.get_gpu_compression_state());
+}
+
 TEST(TextureData, FormatOfACubeMapIsChangedOnAllFaces) {
   TextureData data;
   data.type = TEXTURE_CUBE;

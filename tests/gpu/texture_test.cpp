@@ -187,6 +187,26 @@ TEST(Texture, IsAViewOfAColourAttachment) {
   EXPECT_FALSE(texture->init_color_texture_from_render_target(nullptr, 0));
 }
 
+TEST(Texture, ViewsLetGoOfBorrowedPixelsThatAreTooFew) {
+  GpuRenderTarget target;
+  target.width = 64;
+  target.height = 32;
+  target.pixel_format = PF_RGBA_U8;
+  target.gl.color_textures[0] = 9;
+  unsigned char pixels[4] = {};
+  RecordingRenderer renderer;
+  Held<Texture> texture;
+  texture->get_image_ptr()->create(1, 1, 1, PF_RGBA_U8, false, false);
+  texture->get_image_ptr()->codec_pixels = pixels;
+  texture->set_pixmap_u8_ptr(pixels);
+  EXPECT_TRUE(texture->init_color_texture_from_render_target(&target, 0));
+  EXPECT_EQ(texture->get_pixmap_ptr(), nullptr);
+  // Nothing is left to be uploaded from.
+  texture->set_loaded_in_gpu_memory_state(false);
+  texture->bind(&renderer, 0);
+  EXPECT_THAT(renderer.names(), ElementsAre("texture_bind"));
+}
+
 TEST(Texture, IsAViewOfTheDepthAttachment) {
   GpuRenderTarget target;
   target.width = 8;

@@ -47,8 +47,9 @@ class ORV_API Texture : public Resource {
   /// Copies an image into a face of the cube map. False for a number that is no face.
   virtual bool load_cubemap_face_image(CUBEMAP_FACE face, const Image& image);
 
-  /// Make an image of this size and set the texture's type. When the image cannot be made they give
-  /// false and the type stays.
+  /// Make an image of this size in pixels and set the texture's type. When the image cannot be made
+  /// they give false and the type stays.
+  /// @param zero_fill whether pixels start at 0; else they start with any value
   virtual bool create_1d(unsigned int width, PIXEL_FORMAT format, bool zero_fill);
   virtual bool create_2d(unsigned int width, unsigned int height, PIXEL_FORMAT format,
                          bool zero_fill);
@@ -63,7 +64,8 @@ class ORV_API Texture : public Resource {
   /// Makes the texture a view of a colour attachment (0 to 7; above gives no object) or of the
   /// depth attachment of a render target, which keeps owning the API object and must outlive its
   /// use. Size and format are copied; the image's depth becomes the target's height for colour and
-  /// 1 for depth. False for a null target.
+  /// 1 for depth. An API object that the texture had is forgotten: unload it first. False for a
+  /// null target.
   virtual bool init_color_texture_from_render_target(GpuRenderTarget* target, unsigned int index);
   /// The same by the renderer. False for a null renderer.
   virtual bool init_color_texture_from_render_target_v2(Renderer* renderer, GpuRenderTarget* target,
@@ -80,6 +82,7 @@ class ORV_API Texture : public Resource {
   /// Binds the texture at a unit, uploading it first when it has pixels and was not uploaded yet,
   /// and then refreshes it when pixels changed. The result is that of the binding alone.
   virtual bool bind(Renderer* renderer, unsigned int unit);
+  /// Leaves nothing bound at a unit.
   virtual bool unbind(Renderer* renderer, unsigned int unit);
   /// Clears a unit and makes it the current one.
   virtual bool activate(Renderer* renderer, unsigned int unit);
@@ -95,6 +98,7 @@ class ORV_API Texture : public Resource {
 
   // ---- block ----
 
+  /// The block, which all textures sharing it own together; null after _cleanup().
   TextureData* get_data_ptr() const { return data_; }
   /// Shares the block of another texture. False when either is null.
   bool share_texture_data(Renderer* renderer, Texture* other);
@@ -106,6 +110,7 @@ class ORV_API Texture : public Resource {
   int get_audio_video_block_id() const { return audio_video_block_id_; }
   void set_audio_video_block_id(int id) { audio_video_block_id_ = id; }
 
+  /// State and API object of the block, see TextureData.
   bool is_loaded_in_gpu_memory() const;
   void set_loaded_in_gpu_memory_state(bool state);
   void set_opengl_texture_id(unsigned int api_id);
@@ -121,8 +126,9 @@ class ORV_API Texture : public Resource {
   void set_anisotropy(Renderer* renderer, float value);
   float get_anisotropy() const;
 
-  /// Whether the upload makes mipmaps.
+  /// Whether the upload makes mipmaps; they are made at first.
   void gen_mipmaps(bool state);
+  /// Levels used in sampling, see TextureData.
   void set_mipmap_levels(int base_level, int max_level);
   int get_mipmap_base_level() const;
   int get_mipmap_max_level() const;

@@ -35,7 +35,9 @@ class ORV_API TextureData {
 
   // ---- name ----
 
+  /// Name in messages, never null.
   const char* get_texture_name() const { return texture_name; }
+  /// Node id of the first owner.
   int get_texture_id() const { return texture_id; }
   /// Stores at most 127 characters; null clears the name.
   void set_texture_name_and_id(const char* name, int node_id);
@@ -55,6 +57,7 @@ class ORV_API TextureData {
   /// Pixels of the main image in the store that its format calls for: its own, or, for byte
   /// formats, those borrowed from a codec. Null when there are none.
   void* get_pixmap_ptr() const;
+  /// Byte or float store of the main image whatever its format says; null when there is none.
   unsigned char* get_pixmap_u8_ptr() const { return get_main_image().get_u8_ptr(); }
   float* get_pixmap_f32_ptr() const { return get_main_image().get_f32_ptr(); }
 
@@ -63,6 +66,7 @@ class ORV_API TextureData {
 
   /// Face of the cube map; null for a number that is none.
   Image* get_cubemap_image_ptr(CUBEMAP_FACE face);
+  /// Layers of an array, 0 for all other textures.
   unsigned int get_num_layers() const { return layers.num_layers; }
   /// Layer of the array; null past the end.
   Image* get_layer_image_ptr(unsigned int layer) { return layers.get_layer(layer); }
@@ -71,22 +75,34 @@ class ORV_API TextureData {
   /// was converted), or the image (as Image::update_pixel_format).
   bool update_pixel_format(PIXEL_FORMAT target);
 
-  /// Frees the pixels of image, faces and layers; cleanup_cubemap_data those of the faces alone.
+  /// Writes a size and a format into the image and makes no pixels. Pixels that were there are let
+  /// go when they are too few for it: those of the image's own block by what it holds, those handed
+  /// in by a host or a codec when more bytes are called for than before.
+  void set_image_size(unsigned int width, unsigned int height, unsigned int depth,
+                      PIXEL_FORMAT format);
+
+  /// Frees the pixels of image, faces and layers. The API object stays.
   void cleanup();
+  /// Frees the pixels of the faces alone.
   void cleanup_cubemap_data();
 
   // ---- state ----
 
   TEXTURE_TYPE get_type() const { return type; }
   void set_type(TEXTURE_TYPE new_type) { type = new_type; }
+  /// Whether a renderer uploaded the texture, or it is a view of a render target.
   bool is_loaded_in_gpu_memory() const { return loaded_in_gpu_memory; }
   void set_loaded_in_gpu_memory_state(bool state) { loaded_in_gpu_memory = state; }
+  /// API object, 0 without one.
   unsigned int get_opengl_texture_id() const { return gl_texture_id; }
+  /// Takes an API object. The one held before is not deleted; unload it first.
   void set_opengl_texture_id(unsigned int api_id) { gl_texture_id = api_id; }
 
+  /// Level that sampling starts at, 0 being the full size.
   int get_mipmap_base_level() const { return mipmap_base_level; }
-  /// -1 means all.
+  /// Last level sampled; -1 means all.
   int get_mipmap_max_level() const { return mipmap_max_level; }
+  /// Takes effect at the next upload.
   void set_mipmap_levels(int base_level, int max_level);
   /// How many halvings bring width and height both to 0: 9 for 256 x 1, 1 for 1 x 1.
   unsigned int get_max_number_of_mipmaps() const;
@@ -94,12 +110,16 @@ class ORV_API TextureData {
   /// Names the compressed format wanted on the GPU, at most 31 characters, and turns compression
   /// on. An empty name clears the name alone. False for null.
   bool set_compression_format(const char* name);
+  /// The name wanted, empty when the choice is the driver's.
   const char* get_compression_format() const { return compression_format; }
+  /// Whether the upload compresses; false at first.
   bool get_gpu_compression_state() const { return gpu_compression; }
   void set_gpu_compression_state(bool state) { gpu_compression = state; }
+  /// Whether the upload goes by the name of the format; true at first.
   bool get_s3tc_compression_state() const { return s3tc_compression; }
   void set_s3tc_compression_state(bool state) { s3tc_compression = state; }
 
+  /// Bytes on the GPU as uploaded and as compressed, 0 before the upload.
   unsigned int get_gpu_memory_size() const { return gpu_memory_size; }
   unsigned int get_gpu_memory_size_compressed() const { return gpu_memory_size_compressed; }
 

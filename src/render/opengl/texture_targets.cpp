@@ -145,13 +145,9 @@ bool RendererOpenGL::view_render_target(TextureData* texture, const GpuRenderTar
   texture->gl_texture_borrowed = true;
   texture->gpu_update_needed = false;
   texture->type = TEXTURE_2D;
-  Image& image = texture->image;
-  image.create(static_cast<unsigned int>(std::max(target.width, 0)),
-               static_cast<unsigned int>(std::max(target.height, 0)), 1, target.pixel_format, false,
-               false);
-  // Pixels from before that are too few must not pass for those of the new size.
-  if (image.u8_ptr && !image.has_pixels()) image._delete_u8_ptr();
-  if (image.f32_ptr && !image.has_pixels()) image._delete_f32_ptr();
+  texture->set_image_size(static_cast<unsigned int>(std::max(target.width, 0)),
+                          static_cast<unsigned int>(std::max(target.height, 0)), 1,
+                          target.pixel_format);
   texture->loaded_in_gpu_memory = true;
   return true;
 }
