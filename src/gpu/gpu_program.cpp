@@ -106,7 +106,7 @@ bool GpuProgram::shader_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type,
 
 bool GpuProgram::shader_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE type, const char* text,
                                          unsigned int size) {
-  if (!renderer || !text || !*stage_label(type)) return false;
+  if (!renderer || !*stage_label(type)) return false;
   const bool loaded = renderer->gpu_shader_load(data_, type, text, size);
   data_->shader_loaded[type] = loaded;
   if (loaded) {
@@ -219,6 +219,18 @@ const char* GpuProgram::get_entry_point_name(GPU_SHADER_TYPE type) const {
   return data_->get_entry_point_name(type);
 }
 
+bool GpuProgram::d3d11_set_entry_point_name(GPU_SHADER_TYPE type, const char* name) {
+  return data_->d3d11_set_entry_point_name(type, name);
+}
+
+const char* GpuProgram::d3d11_get_entry_point_name(GPU_SHADER_TYPE type) const {
+  return data_->d3d11_get_entry_point_name(type);
+}
+
+void* GpuProgram::d3d11_get_shader_ptr(GPU_SHADER_TYPE type) const {
+  return data_->d3d11_get_shader_ptr(type);
+}
+
 // ---- names of engine uniforms and vertex attributes ------------------------------------------
 
 #define ORV_FORWARD_UNIFORM_NAME(word)                           \
@@ -259,6 +271,10 @@ bool GpuProgram::set_vertex_attrib_location(unsigned int slot, int location) {
 
 const char* GpuProgram::get_vertex_attrib_name(unsigned int slot) const {
   return data_->get_vertex_attrib_name(slot);
+}
+
+int GpuProgram::get_vertex_attrib_location(unsigned int slot) const {
+  return data_->get_vertex_attrib_location(slot);
 }
 
 // ---- questions to the renderer ---------------------------------------------------------------

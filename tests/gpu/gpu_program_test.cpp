@@ -161,7 +161,23 @@ TEST_F(GpuProgramTest, UnknownStagesAreRefused) {
     EXPECT_FALSE(
         program.shader_load_from_memory(&renderer, static_cast<GPU_SHADER_TYPE>(stage), "text", 4));
   }
+  EXPECT_THAT(renderer.loads, IsEmpty());
+}
+
+TEST_F(GpuProgramTest, StageWithoutTextFailsAndCountsAsNotLoaded) {
+  ASSERT_TRUE(program.shader_load_from_memory(&renderer, GPU_SHADER_VERTEX, "v", 1));
   EXPECT_FALSE(program.shader_load_from_memory(&renderer, GPU_SHADER_VERTEX, nullptr, 4));
+  EXPECT_FALSE(program.get_data_ptr()->shader_loaded[GPU_SHADER_VERTEX]);
+  ASSERT_TRUE(program.shader_load_from_memory(&renderer, GPU_SHADER_VERTEX, "v", 1));
+  EXPECT_FALSE(program.shader_load_from_memory(&renderer, GPU_SHADER_VERTEX, "v", 0));
+  EXPECT_FALSE(program.get_data_ptr()->shader_loaded[GPU_SHADER_VERTEX]);
+  EXPECT_STREQ(program.get_shader_source_code(GPU_SHADER_VERTEX), "v");
+}
+
+TEST_F(GpuProgramTest, EmptySectionIsAStageThatFails) {
+  const std::string text = "[Vertex_Shader][Pixel_Shader]p";
+  EXPECT_FALSE(
+      program.load_from_memory(&renderer, text.c_str(), static_cast<unsigned int>(text.size())));
   EXPECT_THAT(renderer.loads, IsEmpty());
 }
 
@@ -226,6 +242,14 @@ TEST_F(GpuProgramTest, StateComesFromTheRecord) {
   EXPECT_TRUE(program.is_linking_needed());
   EXPECT_FALSE(program.set_vertex_attrib("x", 16));
   EXPECT_STREQ(program.get_vertex_attrib_name(3), "mine");
+  EXPECT_EQ(program.get_vertex_attrib_location(3), 3);
+  EXPECT_TRUE(program.set_vertex_attrib_location(3, 7));
+  EXPECT_EQ(program.get_vertex_attrib_location(3), 7);
+  EXPECT_EQ(program.get_vertex_attrib_location(16), -1);
+  EXPECT_TRUE(program.d3d11_set_entry_point_name(GPU_SHADER_PIXEL, "shade"));
+  EXPECT_STREQ(program.get_entry_point_name(GPU_SHADER_PIXEL), "shade");
+  EXPECT_STREQ(program.d3d11_get_entry_point_name(GPU_SHADER_VERTEX), "main");
+  EXPECT_EQ(program.d3d11_get_shader_ptr(GPU_SHADER_VERTEX), nullptr);
   program.get_data_ptr()->use_generic_vertex_attribs = true;
   EXPECT_TRUE(program.get_use_generic_vertex_attribs_state());
   program.get_data_ptr()->set_info_log("link", 4);

@@ -23,6 +23,7 @@ class ShaderCompiler : public RecordingRenderer {
 
   bool gpu_shader_load(GpuProgramData* program, GPU_SHADER_TYPE type, const char* text,
                        unsigned int size) override {
+    if (!program || !text || size == 0) return false;
     loads.push_back({type, std::string(text, strnlen(text, size)), size});
     const auto log = logs.find(type);
     if (log != logs.end()) {

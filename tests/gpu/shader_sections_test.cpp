@@ -156,11 +156,11 @@ TEST_F(ShaderSections, EveryTruncationLoadsWhatIsWhole) {
     GpuProgram fresh;
     const bool loaded =
         fresh.load_from_memory(&renderer, exact.get(), static_cast<unsigned int>(length));
-    EXPECT_EQ(loaded, length >= complete);
-    if (!loaded) {
-      EXPECT_THAT(renderer.loads, IsEmpty());
-      continue;
-    }
+    // A stage whose marker ends the text is an empty one, which does not compile.
+    const bool ends_in_marker = length > 0 && full[length - 1] == ']';
+    EXPECT_EQ(loaded, length >= complete && !ends_in_marker);
+    EXPECT_EQ(renderer.loads.empty(), length < complete);
+    if (!loaded) continue;
     EXPECT_EQ(text_of(GPU_SHADER_VERTEX), "\nvvv\n");
     EXPECT_EQ(text_of(GPU_SHADER_GEOMETRY), "\nggg\n");
     const std::size_t pixel_end = std::min(length, complete + 5);

@@ -20,6 +20,7 @@ namespace orv {
 /// kept in the record and sent by bind_uniforms.
 class ORV_API GpuProgram : public Resource {
  public:
+  /// Named "GPU_program_" and the node id, without stages.
   GpuProgram();
   /// Frees the record. API objects are released by cleanup before.
   ~GpuProgram() override;
@@ -45,9 +46,12 @@ class ORV_API GpuProgram : public Resource {
   /// vertex and a pixel section, and at the first stage that fails; stages loaded before it stay.
   /// @param size bytes of the text; a terminating zero may be counted
   bool load_from_memory(Renderer* renderer, const char* text, unsigned int size);
-  /// Loads one stage from a file that holds nothing else.
+  /// Loads one stage from a file that holds nothing else. False for a null path, an unreadable
+  /// file, or as shader_load_from_memory.
   bool shader_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type, const char* path);
-  /// Compiles one stage and keeps its source. A failure is logged with the compiler's text.
+  /// Compiles one stage and keeps a copy of its source. False for a null renderer, an unknown stage
+  /// and a null or empty text; a compiler's failure is logged with its text.
+  /// @param size bytes of the text; it ends at a zero before them
   bool shader_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE type, const char* text,
                                unsigned int size);
   /// Loads a stage from a SPIR-V module. No renderer of the library takes one: false, logged when a
@@ -64,6 +68,7 @@ class ORV_API GpuProgram : public Resource {
 
   // ---- use; false for a null renderer ----
 
+  /// Makes this the program that draws, after linking it where needed. False when that fails.
   bool bind(Renderer* renderer);
   bool unbind(Renderer* renderer);
   /// Like bind, for programs whose attributes are named by number.
@@ -71,24 +76,33 @@ class ORV_API GpuProgram : public Resource {
   bool deactivate(Renderer* renderer);
   /// Sends the changed values of the record.
   bool bind_uniforms(Renderer* renderer);
-  /// Sends uniforms and runs this many groups of a compute program.
+  /// Sends uniforms and runs this many groups of the compute program, which is to be bound.
   bool run_compute(Renderer* renderer, unsigned int x, unsigned int y, unsigned int z);
   /// Marks all values of the record to be sent again. False without a record list.
   bool need_bind_uniforms();
 
   // ---- state ----
 
+  /// Whether all stages asked for were loaded, as the manager saw it.
   bool is_valid() const;
   void set_valid_state(bool state);
+  /// Whether the next bind links.
   bool is_linking_needed() const;
+  /// Whether the linked program takes its vertices from numbered attributes; false before.
   bool get_use_generic_vertex_attribs_state() const;
+  /// Source of a loaded stage, compiler log of a stage, and linker log: owned by the record, null
+  /// where there is none.
   const char* get_shader_source_code(GPU_SHADER_TYPE type) const;
   const char* get_shader_info_log(GPU_SHADER_TYPE type) const;
   const char* get_info_log() const;
   /// Logs of all stages in one text, which the program owns until the next call.
   const char* get_shaders_info_log();
+  /// Entry points and shader objects of Direct3D, as in GpuProgramData.
   bool set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   const char* get_entry_point_name(GPU_SHADER_TYPE type) const;
+  bool d3d11_set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
+  const char* d3d11_get_entry_point_name(GPU_SHADER_TYPE type) const;
+  void* d3d11_get_shader_ptr(GPU_SHADER_TYPE type) const;
 
   // ---- names of engine uniforms and vertex attributes, as in GpuProgramData ----
 
@@ -113,6 +127,7 @@ class ORV_API GpuProgram : public Resource {
   bool set_vertex_attrib_name(unsigned int slot, const char* name);
   bool set_vertex_attrib_location(unsigned int slot, int location);
   const char* get_vertex_attrib_name(unsigned int slot) const;
+  int get_vertex_attrib_location(unsigned int slot) const;
 
   // ---- questions to the renderer ----
 
@@ -124,10 +139,12 @@ class ORV_API GpuProgram : public Resource {
   unsigned int get_interface_block_index(Renderer* renderer, const char* kind, const char* name);
   /// Bytes of a uniform block, by name when given, else by index; 0 for a null renderer.
   int get_uniform_block_size(Renderer* renderer, const char* name, unsigned int index);
+  /// Ties a block to a numbered point that buffers are bound to.
   bool set_uniform_block_binding(Renderer* renderer, unsigned int block, unsigned int binding);
   bool set_shader_storage_block_binding(Renderer* renderer, unsigned int block,
                                         unsigned int binding);
-  /// Sizes and byte offsets of uniforms; either result array may be null.
+  /// Sizes and byte offsets of `count` uniforms in their blocks, and the bytes between entries of
+  /// arrays. Result arrays hold `count` numbers; sizes and offsets may be null.
   bool get_uniform_size_and_offset(Renderer* renderer, const char** names, unsigned int count,
                                    int* sizes, int* offsets);
   bool get_uniform_array_stride(Renderer* renderer, const char** names, unsigned int count,
