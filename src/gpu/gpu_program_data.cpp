@@ -29,6 +29,15 @@ char* copy_text(const char* text, std::size_t length) {
 
 char* copy_text(const char* text) { return text ? copy_text(text, std::strlen(text)) : nullptr; }
 
+// A block of the same capacity, which is copied beside it.
+char* copy_log(const char* log, unsigned int capacity) {
+  if (!log) return nullptr;
+  const std::size_t size = std::strlen(log) + 1;
+  char* copy = new char[std::max<std::size_t>(size, capacity)]();
+  std::memcpy(copy, log, size);
+  return copy;
+}
+
 void replace_text(char*& target, char* text) {
   delete[] target;
   target = text;
@@ -137,11 +146,12 @@ void GpuProgramData::copy_fields(const GpuProgramData& other) {
     shader_loaded[i] = other.shader_loaded[i];
     shader_id[i] = other.shader_id[i];
     replace_text(shader_source[i], copy_text(other.shader_source[i]));
-    replace_text(shader_info_log[i], copy_text(other.shader_info_log[i]));
+    replace_text(shader_info_log[i],
+                 copy_log(other.shader_info_log[i], other.shader_info_log_capacity[i]));
     shader_info_log_capacity[i] = other.shader_info_log_capacity[i];
     d3d_shaders[i] = other.d3d_shaders[i];
   }
-  replace_text(info_log, copy_text(other.info_log));
+  replace_text(info_log, copy_log(other.info_log, other.info_log_capacity));
   info_log_capacity = other.info_log_capacity;
   std::memcpy(d3d_entry_point_names, other.d3d_entry_point_names, sizeof(d3d_entry_point_names));
   renderer_gpu_id = other.renderer_gpu_id;

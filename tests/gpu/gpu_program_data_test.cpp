@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -325,6 +326,35 @@ TEST(GpuProgramData, CopyOwnsItsTextsAndSharesApiIds) {
   EXPECT_EQ(copy.num_subroutine_uniforms[GPU_SHADER_PIXEL], 1u);
   EXPECT_EQ(copy._get_uniform_location_from_cache("pair"), 5);
   EXPECT_TRUE(copy._are_uniforms_optimized());
+}
+
+TEST(GpuProgramData, CopiedLogHasTheRoomThatItsCapacityTells) {
+  GpuProgramData original;
+  original.set_info_log("short", 4000);
+  original.set_shader_info_log(GPU_SHADER_PIXEL, "short", 4000);
+  GpuProgramData copy(original);
+  ASSERT_EQ(copy.info_log_capacity, 4001u);
+  ASSERT_EQ(copy.shader_info_log_capacity[GPU_SHADER_PIXEL], 4001u);
+  // Renderers may write into the block.
+  std::memset(copy.info_log, 'x', 4000);
+  std::memset(copy.shader_info_log[GPU_SHADER_PIXEL], 'x', 4000);
+  EXPECT_EQ(copy.get_info_log(), std::string(4000, 'x'));
+  EXPECT_STREQ(original.get_info_log(), "short");
+  EXPECT_FALSE(copy.set_info_log("another", 4001));
+}
+
+TEST(GpuProgramData, OwnTextsMaySetTheFieldsThatTheyComeFrom) {
+  GpuProgramData data;
+  data.set_gpu_program_name("phong");
+  data.set_gpu_program_name(data.get_gpu_program_name());
+  EXPECT_STREQ(data.get_gpu_program_name(), "phong");
+  data.set_viewport_uniform_name(data.get_viewport_uniform_name());
+  EXPECT_STREQ(data.get_viewport_uniform_name(), "orvex_Viewport");
+  data.set_shader_source_code(GPU_SHADER_PIXEL, "source", 6);
+  data.set_shader_source_code(GPU_SHADER_PIXEL, data.get_shader_source_code(GPU_SHADER_PIXEL), 6);
+  EXPECT_STREQ(data.get_shader_source_code(GPU_SHADER_PIXEL), "source");
+  data.set_vertex_attrib(data.get_vertex_attrib_name(2), 2);
+  EXPECT_STREQ(data.get_vertex_attrib_name(2), "orvex_Normal");
 }
 
 TEST(GpuProgramData, CopyConstructorAndSelfAssignmentKeepTheRecord) {

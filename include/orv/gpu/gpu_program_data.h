@@ -42,6 +42,7 @@ class ORV_API GpuProgramData {
   GpuProgramData();
   GpuProgramData(const GpuProgramData& other);
   GpuProgramData& operator=(const GpuProgramData& other);
+  /// Frees texts, logs and uniforms. API objects are the renderer's and must be unloaded before.
   ~GpuProgramData();
 
   /// Sets all fields but the uniforms to their defaults, with the engine names.
@@ -51,6 +52,7 @@ class ORV_API GpuProgramData {
 
   /// Null and empty texts are ignored; at most 127 characters are kept.
   void set_gpu_program_name(const char* name);
+  /// Never null.
   const char* get_gpu_program_name() const { return gpu_program_name; }
   /// Node id of the owning GpuProgram, -1 without one.
   int get_gpu_program_id() const { return gpu_program_id; }
@@ -59,12 +61,15 @@ class ORV_API GpuProgramData {
   void update_thread();
   /// Whether the calling thread is the recorded one.
   bool check_thread() const;
+  /// The thread recorded last.
   const Thread& get_thread() const { return thread; }
   Thread* get_thread_ptr() { return &thread; }
 
   // ---- state ----
 
+  /// Whether the linked program takes its vertices from numbered attributes.
   bool get_use_generic_vertex_attribs_state() const { return use_generic_vertex_attribs; }
+  /// Whether the next use links.
   bool is_linking_needed() const { return !linked; }
   /// Whether all stages asked for were loaded.
   bool is_valid() const { return valid; }
@@ -97,6 +102,7 @@ class ORV_API GpuProgramData {
   bool set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   /// Null for an unknown stage.
   const char* get_entry_point_name(GPU_SHADER_TYPE type) const;
+  /// The same two.
   bool d3d11_set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   const char* d3d11_get_entry_point_name(GPU_SHADER_TYPE type) const;
   /// Shader object of a Direct3D renderer, or null.
