@@ -31,6 +31,17 @@ bool load_stage(Renderer* renderer, GpuProgram* program, const StageSource& stag
   return false;
 }
 
+// Names a program, loads it and registers it, valid or not.
+template <class Load>
+bool init_program(GpuProgramMgr& manager, GpuProgram* program, const char* name, Load load) {
+  if (!program) return false;
+  program->set_name(name);
+  const bool loaded = load();
+  program->set_valid_state(loaded);
+  manager.add_gpu_program(program);
+  return loaded;
+}
+
 }  // namespace
 
 struct GpuProgramMgr::GpuProgramMgrData {
@@ -91,23 +102,15 @@ GpuProgram* GpuProgramMgr::create_gpu_program_from_effect(Renderer* renderer, co
 
 bool GpuProgramMgr::init_gpu_program_from_file(Renderer* renderer, GpuProgram* program,
                                                const char* path, const char* name) {
-  if (!program) return false;
-  program->set_name(name);
-  const bool loaded = program->load_from_file(renderer, path);
-  program->set_valid_state(loaded);
-  add_resource(program);
-  return loaded;
+  return init_program(*this, program, name,
+                      [=] { return program->load_from_file(renderer, path); });
 }
 
 bool GpuProgramMgr::init_gpu_program_from_memory(Renderer* renderer, GpuProgram* program,
                                                  const char* text, unsigned int size,
                                                  const char* name) {
-  if (!program) return false;
-  program->set_name(name);
-  const bool loaded = program->load_from_memory(renderer, text, size);
-  program->set_valid_state(loaded);
-  add_resource(program);
-  return loaded;
+  return init_program(*this, program, name,
+                      [=] { return program->load_from_memory(renderer, text, size); });
 }
 
 bool GpuProgramMgr::init_gpu_program_from_shaders(Renderer* renderer, GpuProgram* program,
@@ -115,8 +118,6 @@ bool GpuProgramMgr::init_gpu_program_from_shaders(Renderer* renderer, GpuProgram
                                                   const char* geometry, const char* tess_control,
                                                   const char* tess_eval, const char* compute,
                                                   const char* name) {
-  if (!program) return false;
-  program->set_name(name);
   const StageSource stages[] = {
       {GPU_SHADER_VERTEX, "Vertex", vertex},
       {GPU_SHADER_TESS_CONTROL, "Tessellation control", tess_control},
@@ -125,28 +126,24 @@ bool GpuProgramMgr::init_gpu_program_from_shaders(Renderer* renderer, GpuProgram
       {GPU_SHADER_PIXEL, "Pixel", pixel},
       {GPU_SHADER_COMPUTE, "Compute", compute},
   };
-  bool loaded = true;
-  for (const StageSource& stage : stages) {
-    if (!load_stage(renderer, program, stage)) loaded = false;
-  }
-  program->set_valid_state(loaded);
-  add_resource(program);
-  return loaded;
+  return init_program(*this, program, name, [&] {
+    bool loaded = true;
+    for (const StageSource& stage : stages) {
+      if (!load_stage(renderer, program, stage)) loaded = false;
+    }
+    return loaded;
+  });
 }
 
 bool GpuProgramMgr::init_gpu_program_from_effect(Renderer* renderer, GpuProgram* program,
                                                  const char* path, const char* name) {
-  if (!program) return false;
-  program->set_name(name);
-  const bool loaded = program->d3d_load_from_file(renderer, GPU_SHADER_D3D_EFFECT, path);
-  const char* log = program->get_shader_info_log(GPU_SHADER_D3D_EFFECT);
-  if (!loaded) {
+  return init_program(*this, program, name, [=] {
+    if (program->d3d_load_from_file(renderer, GPU_SHADER_D3D_EFFECT, path)) return true;
+    const char* log = program->get_shader_info_log(GPU_SHADER_D3D_EFFECT);
     LogMgr::get().tracef_error("GPU program %s - D3D effect error: %s",
                                program->get_data_ptr()->get_gpu_program_name(), log ? log : "");
-  }
-  program->set_valid_state(loaded);
-  add_resource(program);
-  return loaded;
+    return false;
+  });
 }
 
 bool GpuProgramMgr::add_gpu_program(GpuProgram* program) { return add_resource(program); }

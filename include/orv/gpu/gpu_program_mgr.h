@@ -11,7 +11,9 @@ namespace orv {
 /// Keeps and makes GPU programs. A program whose loading failed stays registered: is_valid tells.
 class ORV_API GpuProgramMgr : public ResourceMgr {
  public:
+  /// A registry of its own; the library uses the one instance alone.
   GpuProgramMgr();
+  /// Releases no program; stop does.
   ~GpuProgramMgr() override;
 
   /// The one instance, made by the first call and never destroyed.
@@ -19,7 +21,8 @@ class ORV_API GpuProgramMgr : public ResourceMgr {
 
   /// Makes an empty program and registers it with one reference. A null name keeps the default.
   GpuProgram* create_gpu_program(const char* name);
-  /// Makes a program and loads it; the program is returned also when loading failed.
+  /// Makes a program and loads it as init_gpu_program_from_file and its companions do. The program
+  /// is returned also when loading failed; the manager holds its only reference.
   GpuProgram* create_gpu_program_from_file(Renderer* renderer, const char* path, const char* name);
   GpuProgram* create_gpu_program_from_memory(Renderer* renderer, const char* text,
                                              unsigned int size, const char* name);
@@ -44,6 +47,8 @@ class ORV_API GpuProgramMgr : public ResourceMgr {
                                      const char* pixel, const char* geometry,
                                      const char* tess_control, const char* tess_eval,
                                      const char* compute, const char* name);
+  /// From a Direct3D effect file. No renderer of the library has effects: false, and an error in
+  /// the log.
   bool init_gpu_program_from_effect(Renderer* renderer, GpuProgram* program, const char* path,
                                     const char* name);
 
