@@ -118,7 +118,8 @@ void* GpuBuffer::map(Renderer* renderer, const char* access) {
 
 void* GpuBuffer::map_range(Renderer* renderer, unsigned int offset, unsigned int size,
                            const char* flags) {
-  if (!renderer) return nullptr;
+  // A mapped size of 0 stands for the whole buffer.
+  if (!renderer || size == 0) return nullptr;
   void* place = renderer->gpu_buffer_map_range(data_, offset, size, flags);
   if (place) data_->mapped_size = size;
   return place;

@@ -218,6 +218,14 @@ TEST_F(GpuBufferTest, ValuesOfAMappedRangeEndWithTheRange) {
   EXPECT_TRUE(buffer.set_value_2f(nullptr, 56, 1, 2));
 }
 
+TEST_F(GpuBufferTest, RangeWithoutBytesIsNotMapped) {
+  map_bytes(64);
+  renderer.answer_pointer("gpu_buffer_map_range", bytes);
+  EXPECT_NE(buffer.map_range(&renderer, 0, 8, "GL_MAP_WRITE_BIT"), nullptr);
+  EXPECT_EQ(buffer.map_range(&renderer, 60, 0, "GL_MAP_WRITE_BIT"), nullptr);
+  EXPECT_FALSE(buffer.set_value_1f(nullptr, 8, 1));
+}
+
 TEST_F(GpuBufferTest, FailedMappingLeavesTheMappedSizeAlone) {
   map_bytes(64);
   EXPECT_EQ(buffer.map_range(&renderer, 0, 128, "GL_MAP_WRITE_BIT"), nullptr);

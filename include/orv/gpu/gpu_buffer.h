@@ -14,9 +14,11 @@ namespace orv {
 /// offsets. A null renderer gives 0, false or null.
 class ORV_API GpuBuffer : public Resource {
  public:
+  /// An unallocated uniform buffer.
   GpuBuffer();
   /// Frees the record. The API buffer is freed by cleanup or free before.
   ~GpuBuffer() override;
+  /// Frees the API buffer. False for a null renderer or without API buffer.
   bool _cleanup(Renderer* renderer) override;
   /// Plugin id of the renderer that allocated the buffer, 0 before.
   int get_renderer_id() override;
@@ -26,7 +28,9 @@ class ORV_API GpuBuffer : public Resource {
 
   /// The record, owned by the buffer.
   GpuBufferData* get_data_ptr() const { return data_; }
+  /// Sets storage and mapping flags by name, see GpuBufferData. False for null only.
   bool set_state(const char* name, bool value);
+  /// Whether there is an API buffer.
   bool is_allocated() const;
 
   // ---- memory ----
@@ -42,34 +46,44 @@ class ORV_API GpuBuffer : public Resource {
   /// The same by block index; false for -1.
   bool alloc_uniform_buffer_v2(Renderer* renderer, BUFFER_OBJECT_USAGE usage,
                                GpuProgramData* program, int block_index, const void* data);
+  /// Frees the API buffer. False when there is none.
   bool free(Renderer* renderer);
+  /// Writes or reads `size` bytes at a byte offset of the API buffer. False for null data and for
+  /// bytes outside it.
   bool sub_data_write(Renderer* renderer, unsigned int offset, unsigned int size, const void* data);
   bool sub_data_read(Renderer* renderer, unsigned int offset, unsigned int size, void* data);
-  /// Copies from another buffer; false for a null source.
+  /// Copies `size` bytes from another buffer to a byte offset of this one. False for a null source
+  /// and for bytes outside either.
   bool copy(Renderer* renderer, GpuBuffer* source, unsigned int source_offset, unsigned int offset,
             unsigned int size);
 
   // ---- binding ----
 
+  /// Binds the buffer to the target of its present type, or nothing to that target.
   bool bind(Renderer* renderer);
   bool unbind(Renderer* renderer);
+  /// Binds the buffer, or a range of its bytes, to a numbered point, which is remembered. Nothing
+  /// and false for the point -1.
   bool bind_base(Renderer* renderer, int point);
   bool bind_range(Renderer* renderer, int point, unsigned int offset, unsigned int size);
 
   // ---- mapping ----
 
-  /// Maps the whole buffer. `access` holds GL_WRITE_ONLY, GL_READ_WRITE or GL_READ_ONLY.
+  /// Maps the whole buffer. `access` holds GL_WRITE_ONLY, GL_READ_WRITE or GL_READ_ONLY. The memory
+  /// is the renderer's and is gone with unmap; null on failure.
   void* map(Renderer* renderer, const char* access);
-  /// Maps a range. `flags` holds any of GL_MAP_READ_BIT, GL_MAP_WRITE_BIT,
+  /// Maps a range of at least one byte. `flags` holds any of GL_MAP_READ_BIT, GL_MAP_WRITE_BIT,
   /// GL_MAP_INVALIDATE_RANGE_BIT, GL_MAP_INVALIDATE_BUFFER_BIT, GL_MAP_FLUSH_EXPLICIT_BIT,
   /// GL_MAP_UNSYNCHRONIZED_BIT, GL_MAP_PERSISTENT_BIT, GL_MAP_COHERENT_BIT; null means none.
   void* map_range(Renderer* renderer, unsigned int offset, unsigned int size, const char* flags);
   /// Flushes part of a mapped range. The mapped pointer is given up by it.
   bool flush_range(Renderer* renderer, unsigned int offset, unsigned int size);
+  /// Ends the mapping. False when there was none or the contents were lost.
   bool unmap(Renderer* renderer);
 
   // ---- atomic counters, 4 bytes each ----
 
+  /// Write or read the counter of this index. False past the end of the buffer.
   bool atomic_counter_set_value(Renderer* renderer, unsigned int index, unsigned int value);
   bool atomic_counter_get_value(Renderer* renderer, unsigned int index, unsigned int* value);
 

@@ -11,11 +11,14 @@ namespace orv {
 /// are read and written by renderers.
 class ORV_API GpuBufferData {
  public:
+  /// An unallocated uniform buffer.
   GpuBufferData();
+  /// The API buffer is the renderer's and must be freed before.
   ~GpuBufferData();
   GpuBufferData(const GpuBufferData&) = delete;
   GpuBufferData& operator=(const GpuBufferData&) = delete;
 
+  /// Identity within the process.
   int getid() const { return id; }
   /// Whether there is an API buffer.
   bool is_allocated() const { return buffer_id != 0; }
@@ -28,10 +31,12 @@ class ORV_API GpuBufferData {
   void push_buffer_type();
   /// Restores the type remembered last; nothing without one.
   void pop_buffer_type();
+  /// Block in use, from 0.
   unsigned int get_current_block_index() const { return current_block_index; }
   /// Goes to the next block. The index wraps to 0 only after it has reached num_blocks, so it runs
   /// through num_blocks + 1 values.
   void inc_block_index();
+  /// Bytes of one block.
   unsigned int get_block_size() const { return block_size; }
   /// Byte offset of the current block.
   unsigned int get_block_offset_in_bytes() const { return current_block_index * block_size; }
