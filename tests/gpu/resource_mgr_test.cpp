@@ -3,22 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "support/recording_renderer.h"
+#include "support/vtable_slot.h"
 
 namespace orv {
 namespace {
 
-template <class Member>
-long slot_of(Member member) {
-  long words[2] = {};
-  static_assert(sizeof(member) == sizeof(words));
-  std::memcpy(words, &member, sizeof(words));
-  return (words[0] - 1) / static_cast<long>(sizeof(void*));
-}
+using test::vtable_slot;
 
 // Counts how many of its kind are alive.
 class Counted : public Resource {
@@ -51,10 +45,10 @@ class ResourceMgrTest : public testing::Test {
 
 TEST(ResourceMgr, VirtualOperationsStandInTheirOrder) {
   // Two slots hold the destructor.
-  EXPECT_EQ(slot_of(&ResourceMgr::start), 2);
-  EXPECT_EQ(slot_of(&ResourceMgr::stop), 3);
-  EXPECT_EQ(slot_of(&ResourceMgr::release_resource), 4);
-  EXPECT_EQ(slot_of(&ResourceMgr::release_all_resources), 5);
+  EXPECT_EQ(vtable_slot(&ResourceMgr::start), 2u);
+  EXPECT_EQ(vtable_slot(&ResourceMgr::stop), 3u);
+  EXPECT_EQ(vtable_slot(&ResourceMgr::release_resource), 4u);
+  EXPECT_EQ(vtable_slot(&ResourceMgr::release_all_resources), 5u);
 }
 
 TEST_F(ResourceMgrTest, AddingNullIsRefused) {

@@ -5,19 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include "support/vtable_slot.h"
 
 namespace orv {
 namespace {
 
-// A pointer to a virtual member holds 1 + the byte offset of its slot (Itanium C++ ABI).
-template <class Member>
-long slot_of(Member member) {
-  long words[2] = {};
-  static_assert(sizeof(member) == sizeof(words));
-  std::memcpy(words, &member, sizeof(words));
-  return (words[0] - 1) / static_cast<long>(sizeof(void*));
-}
+using test::vtable_slot;
 
 TEST(Resource, IsANodeOfResourceType) {
   Resource resource;
@@ -46,12 +39,12 @@ TEST(Resource, NullNameIsIgnored) {
 }
 
 TEST(Resource, VirtualTableIsThatOfNode) {
-  EXPECT_EQ(slot_of(&Resource::init), slot_of(&Node::init));
-  EXPECT_EQ(slot_of(&Resource::set_name), slot_of(&Node::set_name));
-  EXPECT_EQ(slot_of(&Resource::set_name), 14);
-  EXPECT_EQ(slot_of(&Resource::get_renderer_id), 15);
-  EXPECT_EQ(slot_of(&Resource::set_render_state), 17);
-  EXPECT_EQ(slot_of(&GpuProgram::_cleanup), slot_of(&Node::_cleanup));
+  EXPECT_EQ(vtable_slot(&Resource::init), vtable_slot(&Node::init));
+  EXPECT_EQ(vtable_slot(&Resource::set_name), vtable_slot(&Node::set_name));
+  EXPECT_EQ(vtable_slot(&Resource::set_name), 14u);
+  EXPECT_EQ(vtable_slot(&Resource::get_renderer_id), 15u);
+  EXPECT_EQ(vtable_slot(&Resource::set_render_state), 17u);
+  EXPECT_EQ(vtable_slot(&GpuProgram::_cleanup), vtable_slot(&Node::_cleanup));
 }
 
 }  // namespace

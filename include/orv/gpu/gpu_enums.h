@@ -106,12 +106,14 @@ enum CUBEMAP_FACE : int {
   CUBEMAP_FACE_NEGATIVE_Z = 5
 };
 
+/// How a texture is read between its pixels. Trilinear reads between its levels too.
 enum SAMPLER_FILTERING_MODE : int {
   SAMPLER_FILTERING_NEAREST = 1,
   SAMPLER_FILTERING_LINEAR = 2,
   SAMPLER_FILTERING_TRILINEAR = 3
 };
 
+/// What a texture gives outside 0 to 1.
 enum SAMPLER_ADDRESSING_MODE : int {
   SAMPLER_ADDRESSING_WRAP = 1,
   SAMPLER_ADDRESSING_CLAMP = 2,

@@ -10,11 +10,14 @@ namespace orv {
 /// several frames of constants apart.
 class ORV_API GpuProgramConstantBuffer {
  public:
+  /// Empty, with an identity of its own.
   GpuProgramConstantBuffer();
 
+  /// Identity within the process.
   int getid() const { return id; }
   /// Bytes of one block.
   unsigned int get_block_size() const { return block_size; }
+  /// Block in use, from 0.
   unsigned int get_current_block_index() const { return current_block_index; }
   /// Goes to the next block; behind the last comes the first.
   void inc_block_index();

@@ -13,6 +13,7 @@ namespace orv {
 /// A subclass that overrides set_name calls Resource::set_name, so that managers see the change.
 class ORV_API Resource : public Node {
  public:
+  /// A node of type NODE_TYPE_RESOURCE without references.
   Resource();
   ~Resource() override;
   Resource(const Resource&) = delete;

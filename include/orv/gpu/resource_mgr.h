@@ -15,6 +15,7 @@ namespace orv {
 /// one thread at a time; releases run on the thread of the renderer.
 class ORV_API ResourceMgr {
  public:
+  /// An empty list.
   ResourceMgr();
   /// Frees the list and releases nothing.
   virtual ~ResourceMgr();
@@ -37,14 +38,16 @@ class ORV_API ResourceMgr {
   ResourceMgr(const ResourceMgr&) = delete;
   ResourceMgr& operator=(const ResourceMgr&) = delete;
 
+  /// Entries of the list.
   unsigned int get_num_resources() const;
-  /// Null past the end.
+  /// Entry in the order of addition; null past the end. The manager keeps its reference, here and
+  /// below.
   Resource* get_resource_by_index(unsigned int index) const;
   /// Resource with this node id, or null.
   Resource* get_resource(int id) const;
   /// First resource added among those of exactly this name; null for none and for a null name.
   Resource* get_resource(const char* name) const;
-  /// Whether the resource is in the list; false for null.
+  /// Whether the resource, or one with this node id, is in the list; false for null.
   bool has_resource(Resource* resource) const;
   bool has_resource(int id) const;
 

@@ -13,7 +13,9 @@ class ORV_API TextureArray {
   /// More layers than this are refused.
   static constexpr unsigned int MAX_LAYERS = 65536;
 
+  /// Starts without layers.
   TextureArray();
+  /// Cleans up.
   ~TextureArray();
   TextureArray(const TextureArray&) = delete;
   TextureArray& operator=(const TextureArray&) = delete;
@@ -25,11 +27,11 @@ class ORV_API TextureArray {
   /// Frees the pixels that the layers own, then the layers.
   void cleanup();
 
-  /// Null past the end.
+  /// Pixels of a layer, owned by the array; null past the end.
   Image* get_layer(unsigned int index) const;
 
   bool owns_layers = true;  ///< when false, cleanup() lets go of the layers without freeing them
-  Image* layers = nullptr;
+  Image* layers = nullptr;  ///< made with new[]
   unsigned int num_layers = 0;
 };
 

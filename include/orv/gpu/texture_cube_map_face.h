@@ -10,8 +10,8 @@ namespace orv {
 /// One of the six faces of a cube map.
 class ORV_API TextureCubeMapFace {
  public:
-  bool loaded = true;
-  Image image;
+  bool loaded = true;  ///< the face is in use
+  Image image;         ///< its pixels
 };
 
 }  // namespace orv

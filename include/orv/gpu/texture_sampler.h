@@ -11,8 +11,10 @@ namespace orv {
 /// not apply them; textures carry their settings in TextureData.
 class ORV_API TextureSampler {
  public:
+  /// Linear and wrapping, with an identity of its own.
   TextureSampler();
 
+  /// Identity within the process.
   int getid() const { return id; }
 
   int id;  ///< identity within the process; a copy keeps it
@@ -20,7 +22,7 @@ class ORV_API TextureSampler {
   SAMPLER_ADDRESSING_MODE addressing_mode_s = SAMPLER_ADDRESSING_WRAP;
   SAMPLER_ADDRESSING_MODE addressing_mode_t = SAMPLER_ADDRESSING_WRAP;
   SAMPLER_ADDRESSING_MODE addressing_mode_r = SAMPLER_ADDRESSING_WRAP;
-  float anisotropy = 1.0f;
+  float anisotropy = 1.0f;             ///< samples, 1 for none
   unsigned int api_words[2] = {0, 0};  ///< free for the graphics API
 };
 
