@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 
 int main(int argc, char** argv) {
   const char* picture = argc > 1 ? argv[1] : "step1.jpg";

@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 
 void place(orv::Camera& camera) {
   camera.build_projection_persp(40.0f, float(width) / float(height), 0.1f, 100.0f, true);

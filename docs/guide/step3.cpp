@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 
 bool create_context(orv::Renderer* renderer, orv::OffscreenWindow& surface) {
   orv::RenderWindowData data;

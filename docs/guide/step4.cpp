@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 
 bool create_context(orv::Renderer* renderer, orv::OffscreenWindow& surface) {
   orv::RenderWindowData data;
@@ -66,6 +66,7 @@ bool World::load_model(const std::string& folder) {
     return false;
   }
   auto* mesh = static_cast<orv::Mesh*>(model_->get_child(0));
+  mesh->remove_all_materials(nullptr, nullptr);
   mesh->compute_faces_normal(nullptr);
   mesh->average_vertices_normal(1e-5f, nullptr);
   texture->flip_vertical();
@@ -114,7 +115,7 @@ bool take_picture(orv::Renderer* renderer, World& world, const char* picture) {
   camera.build_projection_persp(40.0f, float(width) / float(height), 0.1f, 100.0f, true);
   camera.set_viewport(0, 0, width, height);
   camera.set_position(2.2f, 1.7f, 3.6f);
-  camera.set_lookat(0.0f, 0.6f, 0.0f);
+  camera.set_lookat(-0.3f, 0.7f, 0.0f);
   world.draw(renderer, camera);
   return orv::TextureMgr::get()->do_screenshot(renderer, picture, true);
 }

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 constexpr int screen_size = 256;
 
 bool create_context(orv::Renderer* renderer, orv::OffscreenWindow& surface) {
@@ -28,7 +28,7 @@ class World {
   bool load_model(const std::string& folder);
   bool add_screen(orv::Renderer* renderer);
   orv::Material* create_material(const char* name);
-  void draw_cow(orv::Renderer* renderer);
+  void draw_objects(orv::Renderer* renderer);
   void set_look(float r, float g, float b, float textured, float lit);
 
   orv::GpuProgram* program_ = nullptr;
@@ -72,6 +72,7 @@ bool World::load_model(const std::string& folder) {
     return false;
   }
   auto* mesh = static_cast<orv::Mesh*>(model_->get_child(0));
+  mesh->remove_all_materials(nullptr, nullptr);
   mesh->compute_faces_normal(nullptr);
   mesh->average_vertices_normal(1e-5f, nullptr);
   texture->flip_vertical();
@@ -119,17 +120,17 @@ void World::draw(orv::Renderer* renderer, orv::Camera& camera) {
   renderer->gpu_render_target_bind(target_);
   screen_camera_.bind(renderer, true, true, true, true, true);
   renderer->clear_color_depth_buffers_rgba(0.55f, 0.35f, 0.3f, 1.0f, 1.0f);
-  draw_cow(renderer);
+  draw_objects(renderer);
   renderer->gpu_render_target_unbind(target_);
 
   camera.bind(renderer, true, true, true, true, true);
   renderer->clear_color_depth_buffers_rgba(0.16f, 0.22f, 0.36f, 1.0f, 1.0f);
-  draw_cow(renderer);
+  draw_objects(renderer);
   set_look(1.0f, 1.0f, 1.0f, 1.0f, 0.0f);
   screen_->render(renderer, nullptr);
 }
 
-void World::draw_cow(orv::Renderer* renderer) {
+void World::draw_objects(orv::Renderer* renderer) {
   program_->bind(renderer);
   light_.bind(renderer);
   program_->set_uniform_1i(nullptr, "color_map", 0);
@@ -154,7 +155,7 @@ bool take_picture(orv::Renderer* renderer, World& world, const char* picture) {
   camera.build_projection_persp(40.0f, float(width) / float(height), 0.1f, 100.0f, true);
   camera.set_viewport(0, 0, width, height);
   camera.set_position(2.2f, 1.7f, 3.6f);
-  camera.set_lookat(0.0f, 0.6f, 0.0f);
+  camera.set_lookat(-0.3f, 0.7f, 0.0f);
   world.draw(renderer, camera);
   return orv::TextureMgr::get()->do_screenshot(renderer, picture, true);
 }

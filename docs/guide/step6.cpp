@@ -11,20 +11,29 @@
 #include <cstdlib>
 #include <string>
 
-constexpr int width = 480;
-constexpr int height = 270;
+constexpr int width = 256;
+constexpr int height = 256;
 constexpr int screen_size = 256;
 
 bool create_context(orv::Renderer* renderer, void* display, void* native_window) {
   orv::RenderWindowData data;
   data.app_instance = display;
   data.native_window = native_window;
-  data.width = width;
-  data.height = height;
   data.gl_major = 3;
   data.core_profile = true;
   orv::RenderWindow* window = renderer->render_window_alloc();
   return renderer->render_window_create_context(window, &data, nullptr) && renderer->start();
+}
+
+struct Size {
+  int width;
+  int height;
+};
+
+Size size_of(SDL_Window* window) {
+  Size size{width, height};
+  if (window) SDL_GetWindowSize(window, &size.width, &size.height);
+  return size;
 }
 
 class Orbit {
@@ -34,20 +43,20 @@ class Orbit {
     pitch_ = std::clamp(pitch_ + pitch, 2.0f, 85.0f);
   }
   void zoom(float factor) { distance_ = std::clamp(distance_ * factor, 2.0f, 15.0f); }
-  void place(orv::Camera& camera, int view_width, int view_height) const {
+  void place(orv::Camera& camera, Size size) const {
     constexpr float radians = 0.017453292f;
     const float flat = std::cos(pitch_ * radians) * distance_;
-    camera.build_projection_persp(40.0f, float(view_width) / float(view_height), 0.1f, 100.0f,
-                                  true);
-    camera.set_viewport(0, 0, view_width, view_height);
-    camera.set_position(std::sin(yaw_ * radians) * flat,
-                        0.6f + std::sin(pitch_ * radians) * distance_,
+    const float aspect = float(size.width) / float(size.height);
+    camera.build_projection_persp(40.0f, aspect, 0.1f, 100.0f, true);
+    camera.set_viewport(0, 0, size.width, size.height);
+    camera.set_position(-0.3f + std::sin(yaw_ * radians) * flat,
+                        0.7f + std::sin(pitch_ * radians) * distance_,
                         std::cos(yaw_ * radians) * flat);
-    camera.set_lookat(0.0f, 0.6f, 0.0f);
+    camera.set_lookat(-0.3f, 0.7f, 0.0f);
   }
 
  private:
-  float yaw_ = 31.0f;
+  float yaw_ = 36.0f;
   float pitch_ = 15.0f;
   float distance_ = 4.4f;
 };
@@ -63,7 +72,7 @@ class World {
   bool load_model(const std::string& folder);
   bool add_screen(orv::Renderer* renderer);
   orv::Material* create_material(const char* name);
-  void draw_cow(orv::Renderer* renderer);
+  void draw_objects(orv::Renderer* renderer);
   void set_look(float r, float g, float b, float textured, float lit);
 
   orv::GpuProgram* program_ = nullptr;
@@ -107,6 +116,7 @@ bool World::load_model(const std::string& folder) {
     return false;
   }
   auto* mesh = static_cast<orv::Mesh*>(model_->get_child(0));
+  mesh->remove_all_materials(nullptr, nullptr);
   mesh->compute_faces_normal(nullptr);
   mesh->average_vertices_normal(1e-5f, nullptr);
   texture->flip_vertical();
@@ -154,17 +164,17 @@ void World::draw(orv::Renderer* renderer, orv::Camera& camera) {
   renderer->gpu_render_target_bind(target_);
   screen_camera_.bind(renderer, true, true, true, true, true);
   renderer->clear_color_depth_buffers_rgba(0.55f, 0.35f, 0.3f, 1.0f, 1.0f);
-  draw_cow(renderer);
+  draw_objects(renderer);
   renderer->gpu_render_target_unbind(target_);
 
   camera.bind(renderer, true, true, true, true, true);
   renderer->clear_color_depth_buffers_rgba(0.16f, 0.22f, 0.36f, 1.0f, 1.0f);
-  draw_cow(renderer);
+  draw_objects(renderer);
   set_look(1.0f, 1.0f, 1.0f, 1.0f, 0.0f);
   screen_->render(renderer, nullptr);
 }
 
-void World::draw_cow(orv::Renderer* renderer) {
+void World::draw_objects(orv::Renderer* renderer) {
   program_->bind(renderer);
   light_.bind(renderer);
   program_->set_uniform_1i(nullptr, "color_map", 0);
@@ -184,9 +194,10 @@ void World::destroy(orv::Renderer* renderer) {
   renderer->gpu_render_target_killall(nullptr);
 }
 
-bool take_picture(orv::Renderer* renderer, World& world, const Orbit& orbit, const char* picture) {
+bool take_picture(orv::Renderer* renderer, World& world, const Orbit& orbit, Size size,
+                  const char* picture) {
   orv::Camera camera;
-  orbit.place(camera, width, height);
+  orbit.place(camera, size);
   world.draw(renderer, camera);
   return orv::TextureMgr::get()->do_screenshot(renderer, picture, true);
 }
@@ -209,10 +220,7 @@ void draw_until_closed(orv::Renderer* renderer, SDL_Window* window, World& world
   renderer->render_window_set_swap_interval(render_window, true);
   orv::Camera camera;
   while (handle_events(orbit)) {
-    int view_width = 1;
-    int view_height = 1;
-    SDL_GetWindowSize(window, &view_width, &view_height);
-    orbit.place(camera, view_width, view_height);
+    orbit.place(camera, size_of(window));
     world.draw(renderer, camera);
     renderer->render_window_swap_buffers(render_window);
   }
@@ -245,7 +253,7 @@ bool run(orv::Renderer* renderer, SDL_Window* window, const Paths& paths) {
   Orbit orbit;
   bool done = world.create(renderer, paths.shaders, paths.models);
   if (done && window) draw_until_closed(renderer, window, world, orbit);
-  if (done) done = take_picture(renderer, world, orbit, paths.picture.c_str());
+  if (done) done = take_picture(renderer, world, orbit, size_of(window), paths.picture.c_str());
   world.destroy(renderer);
   renderer->stop();
   renderer->render_window_free_all();
@@ -259,8 +267,8 @@ int main(int argc, char** argv) {
   SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "x11", SDL_HINT_DEFAULT);
   SDL_Window* window = nullptr;
   if (std::getenv("DISPLAY") && SDL_Init(SDL_INIT_VIDEO) == 0) {
-    window = SDL_CreateWindow("Orvane Core", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width,
-                              height, SDL_WINDOW_RESIZABLE);
+    window = SDL_CreateWindow("Orvane Core", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, 960,
+                              720, SDL_WINDOW_RESIZABLE);
   }
 
   orv::core::start(nullptr, true, nullptr, nullptr);
