@@ -5,15 +5,13 @@
 #include <orv/render/offscreen_window.h>
 #include <orv/render/render_window.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <string>
 #include <thread>
-#include <vector>
+#include <utility>
 
 #include "render/opengl/renderer_opengl.h"
 #include "render/window/context.h"
+#include "render/window/context_fixture.h"
 #include "support/gl_context.h"
 #include "support/log_capture.h"
 
@@ -22,24 +20,12 @@ namespace {
 
 using testing::ElementsAre;
 
-// The software driver can be told to give all contexts the fixed pipeline.
-bool is_fixed_pipeline_forced() {
-  const char* version = std::getenv("MESA_GL_VERSION_OVERRIDE");
-  return version && std::string(version).find("COMPAT") != std::string::npos;
-}
-
-class EglContexts : public testing::Test {
+class EglContexts : public ContextTest<OffscreenWindow> {
  protected:
-  RenderWindowData make_data(OffscreenWindow& offscreen, int gl_major = 2) {
+  RenderWindowData host_data(OffscreenWindow& offscreen) override {
     RenderWindowData data;
     data.native_window = offscreen.native_handle();
-    data.gl_major = gl_major;
     return data;
-  }
-  bool create(RenderWindow* window, OffscreenWindow& offscreen, int gl_major = 2,
-              RenderWindow* shared = nullptr) {
-    const RenderWindowData data = make_data(offscreen, gl_major);
-    return renderer_.render_window_create_context(window, &data, shared);
   }
   static bool has_software_egl() {
     RendererOpenGL renderer;
@@ -51,17 +37,8 @@ class EglContexts : public testing::Test {
   void SetUp() override {
     if (!has_software_egl()) GTEST_SKIP() << "no software OpenGL through EGL here";
   }
-  // Draws a colour and reads it back.
-  std::vector<int> draw(float r, float g, float b) {
-    renderer_.clear_color_buffer_rgba(r, g, b, 1.0f);
-    unsigned char pixel[4] = {};
-    renderer_.read_back_buffer_rect_rgba(pixel, 3, 3, 1, 1);
-    return {pixel[0], pixel[1], pixel[2]};
-  }
-  void expect_no_error() { EXPECT_EQ(renderer_.check_gl_error(true, nullptr), 0u); }
 
   OffscreenWindow offscreen_{64, 48, OffscreenWindow::SOFTWARE};
-  RendererOpenGL renderer_;
 };
 
 // ---- one window ------------------------------------------------------------------------------
@@ -101,9 +78,7 @@ TEST_F(EglContexts, ResizeKeepsTheContextCurrent) {
   EXPECT_EQ(offscreen_.get_width(), 200);
   renderer_.set_viewport(0, 0, 0, 200, 100);
   renderer_.clear_color_buffer_rgba(0.0f, 0.0f, 1.0f, 1.0f);
-  unsigned char pixel[4] = {};
-  EXPECT_TRUE(renderer_.read_back_buffer_rect_rgba(pixel, 199, 99, 1, 1));
-  EXPECT_EQ(pixel[2], 255);
+  EXPECT_THAT(read_pixel(199, 99), ElementsAre(0, 0, 255));
   EXPECT_TRUE(renderer_.render_window_swap_buffers(window));
   EXPECT_EQ(window->get_width(), 200);
   EXPECT_EQ(window->get_height(), 100);
@@ -147,8 +122,7 @@ TEST_F(EglContexts, SamplesEndAtWhatTheDriverHas) {
     OffscreenWindow offscreen(16, 16, OffscreenWindow::SOFTWARE);
     RendererOpenGL renderer;
     RenderWindow* window = renderer.render_window_alloc();
-    RenderWindowData data = make_data(offscreen);
-    std::snprintf(data.msaa, sizeof(data.msaa), "%s", text);
+    const RenderWindowData data = make_data(offscreen, 2, text);
     ASSERT_TRUE(renderer.render_window_create_context(window, &data, nullptr));
     ASSERT_TRUE(renderer.start());
     int found = -1;
@@ -159,14 +133,11 @@ TEST_F(EglContexts, SamplesEndAtWhatTheDriverHas) {
 
 TEST_F(EglContexts, EightSamplesEndAtFewer) {
   RenderWindow* window = renderer_.render_window_alloc();
-  RenderWindowData data = make_data(offscreen_);
-  std::snprintf(data.msaa, sizeof(data.msaa), "8X MSAA");
+  const RenderWindowData data = make_data(offscreen_, 2, "8X MSAA");
   ASSERT_TRUE(renderer_.render_window_create_context(window, &data, nullptr));
   ASSERT_TRUE(renderer_.start());
-  int samples = 0;
-  renderer_.core_functions().glGetIntegerv(GL_SAMPLES, &samples);
-  EXPECT_GE(samples, 2);
-  EXPECT_LE(samples, 8);
+  EXPECT_GE(read_samples(), 2);
+  EXPECT_LE(read_samples(), 8);
 }
 
 // ---- versions --------------------------------------------------------------------------------
@@ -268,10 +239,7 @@ TEST_F(EglContexts, TwoWindowsKeepTheirOwnPictures) {
   ASSERT_TRUE(renderer_.render_window_make_current(first, true));
   EXPECT_THAT(draw(1.0f, 0.0f, 0.0f), ElementsAre(255, 0, 0));
   ASSERT_TRUE(renderer_.render_window_make_current(second, true));
-  unsigned char pixel[4] = {};
-  renderer_.read_back_buffer_rect_rgba(pixel, 3, 3, 1, 1);
-  EXPECT_EQ(pixel[0], 0);
-  EXPECT_EQ(pixel[1], 255);
+  EXPECT_THAT(read_pixel(), ElementsAre(0, 255, 0));
 }
 
 TEST_F(EglContexts, SharedWindowsSeeEachOthersObjects) {
@@ -286,12 +254,7 @@ TEST_F(EglContexts, SharedWindowsSeeEachOthersObjects) {
     EXPECT_TRUE(log.contains("OpenGL context sharing based on wglShareLists no longer supported."));
     return;
   }
-  const GlCoreTable& gl = renderer_.core_functions();
-  unsigned int texture = 0;
-  gl.glGenTextures(1, &texture);
-  gl.glBindTexture(GL_TEXTURE_2D, texture);
-  ASSERT_TRUE(renderer_.render_window_make_current(first, true));
-  EXPECT_TRUE(gl.glIsTexture(texture));
+  expect_shared_with(first);
 }
 
 TEST_F(EglContexts, ShareListsAfterCreation) {
@@ -302,12 +265,7 @@ TEST_F(EglContexts, ShareListsAfterCreation) {
   ASSERT_TRUE(create(second, other, 3));
   EXPECT_TRUE(renderer_.render_window_share_lists(first, second));
   ASSERT_TRUE(renderer_.start());
-  const GlCoreTable& gl = renderer_.core_functions();
-  unsigned int texture = 0;
-  gl.glGenTextures(1, &texture);
-  gl.glBindTexture(GL_TEXTURE_2D, texture);
-  ASSERT_TRUE(renderer_.render_window_make_current(first, true));
-  EXPECT_TRUE(gl.glIsTexture(texture));
+  expect_shared_with(first);
   ASSERT_TRUE(renderer_.render_window_make_current(second, true));
   EXPECT_FALSE(renderer_.render_window_share_lists(first, second)) << "now it holds objects";
   EXPECT_THAT(draw(1.0f, 0.0f, 0.0f), ElementsAre(255, 0, 0));
@@ -344,34 +302,20 @@ TEST_F(EglContexts, TwoContextsMayDrawToOneOffscreenWindow) {
 TEST_F(EglContexts, WindowClosedAndReopened) {
   RenderWindow* window = renderer_.render_window_alloc();
   for (int round = 0; round < 3; ++round) {
-    ASSERT_TRUE(create(window, offscreen_, 2 + round % 2));
-    ASSERT_TRUE(renderer_.start());
-    EXPECT_THAT(draw(1.0f, 0.0f, 1.0f), ElementsAre(255, 0, 255));
-    expect_no_error();
-    EXPECT_TRUE(renderer_.stop());
-    EXPECT_TRUE(renderer_.render_window_destroy_context(window));
+    expect_reopened(window, make_data(offscreen_, 2 + round % 2));
   }
 }
 
 TEST_F(EglContexts, StopAndSecondStart) {
   RenderWindow* window = renderer_.render_window_alloc();
   ASSERT_TRUE(create(window, offscreen_));
-  for (unsigned int round = 1; round <= 3; ++round) {
-    ASSERT_TRUE(renderer_.start());
-    EXPECT_EQ(renderer_.get_num_gpus(), round);
-    EXPECT_THAT(draw(1.0f, 1.0f, 0.0f), ElementsAre(255, 255, 0));
-    EXPECT_TRUE(renderer_.stop());
-    EXPECT_EQ(renderer_.core_functions().glClear, nullptr);
-  }
+  expect_start_after_stop();
 }
 
 TEST_F(EglContexts, StopAfterTheContextIsGone) {
   RenderWindow* window = renderer_.render_window_alloc();
   ASSERT_TRUE(create(window, offscreen_));
-  ASSERT_TRUE(renderer_.start());
-  EXPECT_TRUE(renderer_.render_window_destroy_context(window));
-  EXPECT_TRUE(renderer_.stop());
-  EXPECT_FALSE(renderer_.is_started());
+  expect_stop_without_context(window);
 }
 
 TEST_F(EglContexts, DestroyedOffscreenWindowMakesOperationsFalse) {

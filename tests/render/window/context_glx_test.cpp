@@ -5,15 +5,13 @@
 #include <orv/render/offscreen_window.h>
 #include <orv/render/render_window.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 
 #include "render/opengl/renderer_opengl.h"
 #include "render/window/context.h"
+#include "render/window/context_fixture.h"
 #include "support/log_capture.h"
 #include "support/x11_window.h"
 
@@ -22,42 +20,21 @@ namespace {
 
 using testing::ElementsAre;
 
-// The software driver can be told to give all contexts the fixed pipeline.
-bool is_fixed_pipeline_forced() {
-  const char* version = std::getenv("MESA_GL_VERSION_OVERRIDE");
-  return version && std::string(version).find("COMPAT") != std::string::npos;
-}
-
-class GlxContexts : public testing::Test {
+class GlxContexts : public ContextTest<X11Window> {
  protected:
   void SetUp() override {
     if (!display_.ok()) GTEST_SKIP() << "no X server here";
     host_ = std::make_unique<X11Window>(display_, 64, 48);
   }
-  RenderWindowData make_data(const X11Window& host, int gl_major = 2, const char* msaa = "Off") {
+  RenderWindowData host_data(X11Window& host) override {
     RenderWindowData data;
     data.app_instance = display_.handle();
     data.native_window = host.handle();
-    data.gl_major = gl_major;
-    std::snprintf(data.msaa, sizeof(data.msaa), "%s", msaa);
     return data;
   }
-  bool create(RenderWindow* window, const X11Window& host, int gl_major = 2,
-              RenderWindow* shared = nullptr) {
-    const RenderWindowData data = make_data(host, gl_major);
-    return renderer_.render_window_create_context(window, &data, shared);
-  }
-  std::vector<int> draw(float r, float g, float b) {
-    renderer_.clear_color_buffer_rgba(r, g, b, 1.0f);
-    unsigned char pixel[4] = {};
-    renderer_.read_back_buffer_rect_rgba(pixel, 3, 3, 1, 1);
-    return {pixel[0], pixel[1], pixel[2]};
-  }
-  void expect_no_error() { EXPECT_EQ(renderer_.check_gl_error(true, nullptr), 0u); }
 
   X11Display display_;
   std::unique_ptr<X11Window> host_;
-  RendererOpenGL renderer_;
 };
 
 // ---- one window ------------------------------------------------------------------------------
@@ -136,9 +113,7 @@ TEST_F(GlxContexts, UnfittingVisualGetsAnInnerWindowThatFollows) {
   const RenderWindowData data = make_data(*host_, 2, "4X MSAA");
   ASSERT_TRUE(renderer_.render_window_create_context(window, &data, nullptr));
   ASSERT_TRUE(renderer_.start());
-  int samples = 0;
-  renderer_.core_functions().glGetIntegerv(GL_SAMPLES, &samples);
-  if (samples == 0) GTEST_SKIP() << "no multisampled visuals here";
+  if (read_samples() == 0) GTEST_SKIP() << "no multisampled visuals here";
   EXPECT_EQ(host_->num_children(), 1);
   EXPECT_EQ(window->get_width(), 64);
   EXPECT_EQ(window->get_height(), 48);
@@ -200,10 +175,8 @@ TEST_F(GlxContexts, EightSamplesEndAtFewer) {
   const RenderWindowData data = make_data(*host_, 2, "8X MSAA");
   ASSERT_TRUE(renderer_.render_window_create_context(window, &data, nullptr));
   ASSERT_TRUE(renderer_.start());
-  int samples = -1;
-  renderer_.core_functions().glGetIntegerv(GL_SAMPLES, &samples);
-  EXPECT_LE(samples, 8);
-  EXPECT_NE(samples, 1);
+  EXPECT_LE(read_samples(), 8);
+  EXPECT_NE(read_samples(), 1);
 }
 
 std::vector<int> read_bits(const RendererOpenGL& renderer) {
@@ -309,12 +282,7 @@ TEST_F(GlxContexts, SharedWindowsSeeEachOthersObjects) {
   ASSERT_TRUE(create(second, other, 2, first));
   ASSERT_TRUE(renderer_.start());
   if (renderer_.get_major_version() < 3) GTEST_SKIP() << "sharing needs OpenGL 3";
-  const GlCoreTable& gl = renderer_.core_functions();
-  unsigned int texture = 0;
-  gl.glGenTextures(1, &texture);
-  gl.glBindTexture(GL_TEXTURE_2D, texture);
-  ASSERT_TRUE(renderer_.render_window_make_current(first, true));
-  EXPECT_TRUE(gl.glIsTexture(texture));
+  expect_shared_with(first);
 }
 
 TEST_F(GlxContexts, ShareListsAfterCreation) {
@@ -325,12 +293,7 @@ TEST_F(GlxContexts, ShareListsAfterCreation) {
   ASSERT_TRUE(create(second, other, 3));
   EXPECT_TRUE(renderer_.render_window_share_lists(first, second));
   ASSERT_TRUE(renderer_.start());
-  const GlCoreTable& gl = renderer_.core_functions();
-  unsigned int texture = 0;
-  gl.glGenTextures(1, &texture);
-  gl.glBindTexture(GL_TEXTURE_2D, texture);
-  ASSERT_TRUE(renderer_.render_window_make_current(first, true));
-  EXPECT_TRUE(gl.glIsTexture(texture));
+  expect_shared_with(first);
 }
 
 TEST_F(GlxContexts, WindowAndOffscreenWindowTogether) {
@@ -346,9 +309,7 @@ TEST_F(GlxContexts, WindowAndOffscreenWindowTogether) {
   ASSERT_TRUE(renderer_.render_window_make_current(first, true));
   EXPECT_THAT(draw(1.0f, 0.0f, 0.0f), ElementsAre(255, 0, 0));
   ASSERT_TRUE(renderer_.render_window_make_current(second, true));
-  unsigned char pixel[4] = {};
-  renderer_.read_back_buffer_rect_rgba(pixel, 3, 3, 1, 1);
-  EXPECT_EQ(pixel[1], 255);
+  EXPECT_THAT(read_pixel(), ElementsAre(0, 255, 0));
 }
 
 // ---- life ------------------------------------------------------------------------------------
@@ -356,13 +317,7 @@ TEST_F(GlxContexts, WindowAndOffscreenWindowTogether) {
 TEST_F(GlxContexts, WindowClosedAndReopened) {
   RenderWindow* window = renderer_.render_window_alloc();
   for (const char* msaa : {"Off", "4X MSAA", "Off", "4X MSAA"}) {
-    const RenderWindowData data = make_data(*host_, 3, msaa);
-    ASSERT_TRUE(renderer_.render_window_create_context(window, &data, nullptr));
-    ASSERT_TRUE(renderer_.start());
-    EXPECT_THAT(draw(1.0f, 0.0f, 1.0f), ElementsAre(255, 0, 255));
-    expect_no_error();
-    EXPECT_TRUE(renderer_.stop());
-    EXPECT_TRUE(renderer_.render_window_destroy_context(window));
+    expect_reopened(window, make_data(*host_, 3, msaa));
   }
 }
 
@@ -379,19 +334,13 @@ TEST_F(GlxContexts, WindowReopenedOnAnotherWindowOfTheHost) {
 TEST_F(GlxContexts, StopAndSecondStart) {
   RenderWindow* window = renderer_.render_window_alloc();
   ASSERT_TRUE(create(window, *host_));
-  for (int round = 0; round < 2; ++round) {
-    ASSERT_TRUE(renderer_.start());
-    EXPECT_THAT(draw(1.0f, 1.0f, 0.0f), ElementsAre(255, 255, 0));
-    EXPECT_TRUE(renderer_.stop());
-  }
+  expect_start_after_stop();
 }
 
 TEST_F(GlxContexts, StopAfterTheContextIsGone) {
   RenderWindow* window = renderer_.render_window_alloc();
   ASSERT_TRUE(create(window, *host_));
-  ASSERT_TRUE(renderer_.start());
-  EXPECT_TRUE(renderer_.render_window_destroy_context(window));
-  EXPECT_TRUE(renderer_.stop());
+  expect_stop_without_context(window);
 }
 
 TEST_F(GlxContexts, ContextOfTheOtherWindowSystemIsSavedAndRestored) {
