@@ -7,11 +7,12 @@
 #include "render/opengl/renderer_opengl.h"
 
 namespace orv {
-namespace {
 
-std::string* name_of(RendererGpu* gpu) { return static_cast<std::string*>(gpu->getrdata()); }
-
-}  // namespace
+// Null for null and for a GPU of another renderer, whose data are not ours to read.
+std::string* RendererOpenGL::name_of_gpu(RendererGpu* gpu) const {
+  const bool own = gpu && std::find(gpus_.begin(), gpus_.end(), gpu) != gpus_.end();
+  return own ? static_cast<std::string*>(gpu->getrdata()) : nullptr;
+}
 
 RendererGpu* RendererOpenGL::gpu_create(unsigned int index) {
   auto gpu = std::make_unique<RendererGpu>();
@@ -25,11 +26,10 @@ RendererGpu* RendererOpenGL::gpu_create(unsigned int index) {
 }
 
 bool RendererOpenGL::gpu_kill(RendererGpu* gpu) {
-  if (!gpu) return false;
   const auto place = std::find(gpus_.begin(), gpus_.end(), gpu);
-  if (place == gpus_.end()) return false;
+  if (!gpu || place == gpus_.end()) return false;
+  delete name_of_gpu(gpu);
   gpus_.erase(place);
-  delete name_of(gpu);
   if (current_gpu_ == gpu) current_gpu_ = nullptr;
   delete gpu;
   return true;
@@ -41,10 +41,10 @@ bool RendererOpenGL::gpu_killall() {
 }
 
 bool RendererOpenGL::gpu_read_description(RendererGpu* gpu) {
-  if (!gpu || !gpu->getrdata()) return false;
-  const char* text = get_gl_renderer();
+  std::string* name = name_of_gpu(gpu);
+  const char* text = name ? get_gl_renderer() : nullptr;
   if (!text) return false;
-  *name_of(gpu) = text;
+  *name = text;
   return true;
 }
 
@@ -71,8 +71,8 @@ RendererGpu* RendererOpenGL::gpu_get_by_index(unsigned int index) {
 }
 
 const char* RendererOpenGL::gpu_get_name(RendererGpu* gpu) {
-  if (!gpu || !gpu->getrdata()) return nullptr;
-  return name_of(gpu)->c_str();
+  const std::string* name = name_of_gpu(gpu);
+  return name ? name->c_str() : nullptr;
 }
 
 }  // namespace orv

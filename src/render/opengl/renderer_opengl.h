@@ -129,6 +129,9 @@ class RendererOpenGL : public Renderer {
   detail::GlQuestions find_questions() const;
   bool has_current_context() const;
 
+  // ---- gpus.cpp ----
+  std::string* name_of_gpu(RendererGpu* gpu) const;
+
   // ---- limits.cpp ----
   void register_capabilities();
   int read_integer(unsigned int name);

@@ -76,6 +76,15 @@ TEST_F(Gpus, KillRefusesAStranger) {
   EXPECT_EQ(renderer_.gpu_get_name(&stranger), nullptr);
 }
 
+TEST_F(Gpus, NameOfAStrangerIsNotRead) {
+  RendererGpu stranger;
+  int data = 0;
+  stranger.setrdata(&data);
+  EXPECT_EQ(renderer_.gpu_get_name(&stranger), nullptr);
+  EXPECT_FALSE(renderer_.gpu_read_description(&stranger));
+  EXPECT_EQ(data, 0);
+}
+
 TEST_F(Gpus, KillAll) {
   renderer_.gpu_create(0);
   renderer_.gpu_create(1);
