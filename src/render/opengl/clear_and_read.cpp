@@ -1,4 +1,6 @@
 // Clearing and reading back what is drawn to.
+#include <climits>
+
 #include "render/opengl/renderer_opengl.h"
 
 namespace orv {
@@ -53,7 +55,9 @@ bool RendererOpenGL::get_back_buffer_size(unsigned int* size, unsigned int* widt
   if (!viewport) return false;
   const auto w = static_cast<unsigned int>(viewport[2]);
   const auto h = static_cast<unsigned int>(viewport[3]);
-  if (size) *size = w * h * 4u;
+  const unsigned long long bytes = 4ull * w * h;
+  if (bytes > UINT_MAX) return false;
+  if (size) *size = static_cast<unsigned int>(bytes);
   if (width) *width = w;
   if (height) *height = h;
   return true;

@@ -53,6 +53,15 @@ TEST_F(ClearAndReadTest, BackBufferSizeIsTheViewports) {
   EXPECT_TRUE(renderer.get_back_buffer_size(nullptr, nullptr, nullptr));
 }
 
+TEST_F(ClearAndReadTest, BackBufferOfFourGigabytesHasNoSize) {
+  start();
+  gl.set_integers(GL_VIEWPORT, {0, 0, 32768, 32768});
+  unsigned int size = 7, width = 7, height = 7;
+  EXPECT_FALSE(renderer.get_back_buffer_size(&size, &width, &height));
+  EXPECT_EQ(7u, size);
+  EXPECT_EQ(7u, width);
+}
+
 TEST_F(ClearAndReadTest, ReadBackTakesTheViewportsRectangle) {
   start();
   gl.set_integers(GL_VIEWPORT, {5, 6, 100, 50});
