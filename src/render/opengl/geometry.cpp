@@ -186,7 +186,7 @@ bool RendererOpenGL::geometry_vbo_update(GeometryCore* geometry) {
   bool updated = true;
   if (!geometry->is_external_vb_source()) updated = update_vertex_buffer(geometry);
   update_index_buffer(geometry);
-  if (updated) geometry->gpu_state.uploaded_serial = geometry->layout_serial;
+  if (updated) geometry->note_uploaded();
   return updated;
 }
 
@@ -299,6 +299,7 @@ void RendererOpenGL::update_index_buffer(GeometryCore* geometry) {
 }
 
 void RendererOpenGL::delete_index_buffer(GeometryCore* geometry) {
+  if (geometry->ibo != 0) forget_buffer(geometry->ibo);
   if (geometry->ibo != 0 && gl_.glDeleteBuffers) gl_.glDeleteBuffers(1, &geometry->ibo);
   geometry->ibo = 0;
   geometry->ib_uploaded = false;
@@ -314,6 +315,8 @@ bool RendererOpenGL::geometry_vbo_draw(GeometryCore* geometry) {
   // What the buffers hold is no longer what the geometry describes: it has to be bound again.
   const GeometryGpuState& state = geometry->gpu_state;
   if (!state.cpu_released && state.uploaded_serial != geometry->layout_serial) return false;
+  // The driver would take byte offsets for addresses where the geometry's buffers are not bound.
+  if (!is_bound(*geometry)) return false;
   const GLenum mode =
       geometry->tessellation ? GL_PATCHES : gl_primitive_mode(geometry->primitive_type);
   const bool stand_in = is_core_program_missing();
@@ -369,13 +372,17 @@ void RendererOpenGL::draw_raw(unsigned int mode, unsigned int vertices_per_primi
   const unsigned long long begin = 1ull * first * vertices_per_primitive;
   const unsigned long long vertices = 1ull * count * vertices_per_primitive;
   if (begin + vertices > INT_MAX) return;
+  const bool stand_in = is_core_program_missing();
+  if (stand_in && !begin_core_color_program()) return;
   core_.glDrawArrays(mode, static_cast<GLint>(begin), static_cast<GLsizei>(vertices));
+  if (stand_in) end_core_color_program();
 }
 
 // ---- deleting ----
 
 bool RendererOpenGL::geometry_vbo_destroy(GeometryCore* geometry) {
   if (!geometry || !geometry->check_thread()) return false;
+  if (bound_.geometry == geometry) disable_arrays();
   delete_vertex_array(geometry);
   gpu_buffer_free(geometry->vb());
   delete_index_buffer(geometry);

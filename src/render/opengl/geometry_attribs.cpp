@@ -3,6 +3,7 @@
 #include <orv/gpu/gpu_buffer_data.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 
 #include "render/opengl/gl_draw_enums.h"
@@ -18,6 +19,7 @@ constexpr unsigned int NUM_STD_ATTRIBS = 4;
 constexpr int INTERLEAVED_STRIDE = 64;
 constexpr int INTERLEAVED_ATTRIB_SIZE = 16;
 constexpr int NOT_FIXED = -1;
+constexpr int MAX_LOCATIONS = 64;  // one bit each; drivers have 16 to 32
 
 /// One attribute to bind: to a location, or to one of the four arrays of the fixed pipeline.
 struct AttribRow {
@@ -77,10 +79,10 @@ struct RendererOpenGL::AttribPlan {
   std::uint64_t used_ = 0;  ///< locations taken so far
 
   void use(int location) {
-    if (location >= 0 && location < 64) used_ |= std::uint64_t{1} << location;
+    if (location >= 0 && location < MAX_LOCATIONS) used_ |= std::uint64_t{1} << location;
   }
   bool is_used(int location) const {
-    return location >= 0 && location < 64 && (used_ >> location & 1) != 0;
+    return location >= 0 && location < MAX_LOCATIONS && (used_ >> location & 1) != 0;
   }
 
   void add(const AttribRow& row, int max_attribs) {
@@ -126,7 +128,7 @@ struct RendererOpenGL::AttribPlan {
 
 RendererOpenGL::AttribPlan RendererOpenGL::plan_attribs(const GeometryCore& geometry) const {
   return AttribPlan(geometry, {geometry.use_gl2_built_in_vertex_attribs, has_fixed_function(),
-                               max_vertex_attribs_});
+                               std::min(max_vertex_attribs_, MAX_LOCATIONS)});
 }
 
 // ---- arrays ----
@@ -136,14 +138,18 @@ void RendererOpenGL::enable_attribs(const AttribPlan& plan) {
     const AttribRow& row = plan.rows[i];
     if (row.fixed_array != NOT_FIXED) {
       enable_fixed_array(row.fixed_array, row.dim, row.stride, row.offset);
+      bound_.fixed_arrays |= 1u << row.fixed_array;
       continue;
     }
     const auto location = static_cast<GLuint>(row.location);
     gl_.glEnableVertexAttribArray(location);
     gl_.glVertexAttribPointer(location, row.dim, GL_FLOAT, GL_FALSE, row.stride,
                               as_offset(row.offset));
+    const std::uint64_t bit = std::uint64_t{1} << location;
+    bound_.locations |= bit;
     if (row.divisor > 0 && gl_.glVertexAttribDivisorARB) {
       gl_.glVertexAttribDivisorARB(location, static_cast<GLuint>(row.divisor));
+      bound_.divided |= bit;
     }
   }
 }
@@ -168,21 +174,35 @@ void RendererOpenGL::enable_fixed_array(int fixed_array, int dim, int stride, st
   }
 }
 
-void RendererOpenGL::disable_attribs(const AttribPlan& plan) {
-  for (int i = 0; i < plan.count; ++i) {
-    const AttribRow& row = plan.rows[i];
-    if (row.fixed_array != NOT_FIXED) {
-      if (row.fixed_array == 1) gl_.glClientActiveTexture(GL_TEXTURE0);
-      core_.glDisableClientState(client_state(row.fixed_array));
-      continue;
-    }
-    const auto location = static_cast<GLuint>(row.location);
+// What was enabled, whatever has become of the geometry since: an array that stays enabled is read
+// by the next drawing, out of a buffer that may be gone.
+void RendererOpenGL::disable_arrays() {
+  const GlBoundGeometry old = bound_;
+  bound_ = GlBoundGeometry();
+  if (old.context_id != current_context_id() || !core_.glEnable) return;
+  for (int i = 0; i < static_cast<int>(NUM_STD_ATTRIBS); ++i) {
+    if ((old.fixed_arrays >> i & 1u) == 0) continue;
+    if (i == 1) gl_.glClientActiveTexture(GL_TEXTURE0);
+    core_.glDisableClientState(client_state(i));
+  }
+  for (std::uint64_t rest = old.locations; rest != 0; rest &= rest - 1) {
+    const auto location = static_cast<GLuint>(std::countr_zero(rest));
     gl_.glDisableVertexAttribArray(location);
     // It would stay on the location and ruin the next geometry.
-    if (row.divisor > 0 && gl_.glVertexAttribDivisorARB) {
-      gl_.glVertexAttribDivisorARB(location, 0);
-    }
+    if ((old.divided >> location & 1u) != 0) gl_.glVertexAttribDivisorARB(location, 0);
   }
+}
+
+bool RendererOpenGL::is_bound(const GeometryCore& geometry) const {
+  const GpuBufferData* source = geometry.get_vb_source();
+  const bool same_layout =
+      geometry.gpu_state.cpu_released || bound_.serial == geometry.layout_serial;
+  return bound_.geometry == &geometry && bound_.context_id == current_context_id() && source &&
+         bound_.source_id == source->buffer_id && bound_.index_id == geometry.ibo && same_layout;
+}
+
+void RendererOpenGL::forget_buffer(unsigned int id) {
+  if (id == bound_.source_id || id == bound_.index_id) disable_arrays();
 }
 
 // ---- sources ----
@@ -216,7 +236,7 @@ void RendererOpenGL::unbind_arrays(GeometryCore* geometry) {
   gl_.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
   gpu_buffer_unbind(source);
   if (borrows_source(*geometry)) source->pop_buffer_type();
-  disable_attribs(plan_attribs(*geometry));
+  disable_arrays();
 }
 
 // ---- vertex array objects ----
@@ -252,6 +272,7 @@ void RendererOpenGL::bind_vertex_array(GeometryCore* geometry) {
   gl_.glGenVertexArrays(1, &state.vao_id);
   gl_.glBindVertexArray(state.vao_id);
   bind_arrays(geometry);
+  bound_ = GlBoundGeometry();  // the arrays belong to the object
   if (borrows_source(*geometry)) source->pop_buffer_type();
   state.vao_serial = serial;
   state.vao_source_id = source->buffer_id;
@@ -280,11 +301,17 @@ bool RendererOpenGL::geometry_vbo_bind(GeometryCore* geometry) {
   }
   const GpuBufferData* source = geometry->get_vb_source();
   if (!source || source->buffer_id == 0) return false;
+  disable_arrays();  // of a geometry that was not unbound
   if (has_vertex_arrays()) {
     bind_vertex_array(geometry);
   } else {
     bind_arrays(geometry);
   }
+  bound_.geometry = geometry;
+  bound_.context_id = current_context_id();
+  bound_.source_id = source->buffer_id;
+  bound_.index_id = geometry->ibo;
+  bound_.serial = geometry->layout_serial;
   set_point_sprites(*geometry, true);
   return true;
 }
@@ -298,6 +325,7 @@ bool RendererOpenGL::geometry_vbo_unbind(GeometryCore* geometry) {
   }
   if (is_vertex_array_foreign(*geometry)) unbind_arrays(geometry);
   gl_.glBindVertexArray(0);
+  bound_ = GlBoundGeometry();
   geometry->get_vb_source()->bound = false;
   return true;
 }

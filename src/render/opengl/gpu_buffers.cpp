@@ -127,6 +127,7 @@ void RendererOpenGL::specify_gpu_buffer(GpuBufferData* buffer, unsigned int size
 
 bool RendererOpenGL::gpu_buffer_free(GpuBufferData* buffer) {
   if (!buffer || buffer->buffer_id == 0) return false;
+  forget_buffer(buffer->buffer_id);
   if (gl_.glDeleteBuffers) gl_.glDeleteBuffers(1, &buffer->buffer_id);
   buffer->buffer_id = 0;
   buffer->mapped_ptr = nullptr;
@@ -241,12 +242,14 @@ bool RendererOpenGL::gpu_buffer_bind(GpuBufferData* buffer) {
   if (!buffer || buffer->buffer_id == 0 || !has_buffer_target(buffer->type)) return false;
   gl_.glBindBuffer(gl_buffer_target(buffer->type), buffer->buffer_id);
   buffer->bound = true;
+  if (buffer->type == GPU_BUFFER_ELEMENT_ARRAY) bound_.index_id = buffer->buffer_id;
   return true;
 }
 
 bool RendererOpenGL::gpu_buffer_unbind(GpuBufferData* buffer) {
   if (!buffer || !has_buffer_target(buffer->type)) return false;
   gl_.glBindBuffer(gl_buffer_target(buffer->type), 0);
+  if (buffer->type == GPU_BUFFER_ELEMENT_ARRAY) bound_.index_id = 0;
   buffer->bound = false;
   return true;
 }

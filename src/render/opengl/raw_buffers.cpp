@@ -62,6 +62,7 @@ unsigned int RendererOpenGL::raw_buffer_create(GPU_BUFFER_TYPE type, unsigned in
 
 bool RendererOpenGL::raw_buffer_destroy(unsigned int id) {
   if (id == 0 || !gl_.glDeleteBuffers) return false;
+  forget_buffer(id);
   gl_.glDeleteBuffers(1, &id);
   return true;
 }

@@ -2,6 +2,7 @@
 /// The renderer over OpenGL 2, 3 and 4.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -51,6 +52,19 @@ struct GlShadowState {
 
   /// Back to the state that apply_pipeline_state sets.
   void reset() { *this = GlShadowState(); }
+};
+
+/// The geometry that is bound on a context, and the arrays that are enabled for it outside of
+/// vertex array objects.
+struct GlBoundGeometry {
+  const GeometryCore* geometry = nullptr;  ///< only compared: it may be gone
+  unsigned int context_id = 0;
+  unsigned int source_id = 0;     ///< buffer of the arrays
+  unsigned int index_id = 0;      ///< buffer of the indices
+  unsigned int serial = 0;        ///< of the layout
+  std::uint64_t locations = 0;    ///< one bit for each enabled generic array
+  std::uint64_t divided = 0;      ///< those of them with a divisor
+  unsigned int fixed_arrays = 0;  ///< one bit for each enabled array of the fixed pipeline
 };
 
 /// Usage options that replace what buffers ask for; 0 leaves it.
@@ -213,7 +227,9 @@ class RendererOpenGL : public Renderer {
   AttribPlan plan_attribs(const GeometryCore& geometry) const;
   void enable_attribs(const AttribPlan& plan);
   void enable_fixed_array(int fixed_array, int dim, int stride, std::size_t offset);
-  void disable_attribs(const AttribPlan& plan);
+  void disable_arrays();
+  bool is_bound(const GeometryCore& geometry) const;
+  void forget_buffer(unsigned int id);
   void bind_source(GeometryCore* geometry);
   void bind_arrays(GeometryCore* geometry);
   void unbind_arrays(GeometryCore* geometry);
@@ -346,6 +362,7 @@ class RendererOpenGL : public Renderer {
   GlFacts facts_;     // written by start, only read later
   GlShadowState shadow_;
   GlUsageOptions usage_;
+  GlBoundGeometry bound_;
   GlTextureUnits units_;
   int max_texture_size_ = 0;
   int max_vertex_attribs_ = 0;

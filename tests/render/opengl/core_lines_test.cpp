@@ -95,6 +95,15 @@ TEST_F(CoreLinesTest, GeometryWithoutProgramIsDrawnByTheInternalProgram) {
   EXPECT_EQ(nullptr, renderer.get_current_gpu_program());
 }
 
+TEST_F(CoreLinesTest, RawDrawsWithoutProgramAreDrawnByTheInternalProgram) {
+  start_core();
+  make_geometry();
+  renderer.draw_lines(1, 0);
+  EXPECT_TRUE(gl.called("glDrawArrays(GL_LINES, 0, 2)"));
+  EXPECT_EQ(2, gl.count("glUseProgram"));
+  EXPECT_EQ("glUseProgram(0)", gl.calls().back());
+}
+
 TEST_F(CoreLinesTest, GeometryWithAProgramIsNot) {
   start_core();
   make_geometry();

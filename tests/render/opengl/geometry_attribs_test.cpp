@@ -1,8 +1,4 @@
-#include <orv/geometry/geometry_core.h>
-#include <orv/gpu/gpu_buffer_data.h>
-#include <orv/render/render_window.h>
-
-#include "render/opengl/fake_gl_fixture.h"
+#include "render/opengl/geometry_fixture.h"
 
 using namespace orv;
 using namespace orv::test;
@@ -16,22 +12,15 @@ namespace {
 
 constexpr unsigned int VERTICES = 2;
 
-class GeometryAttribsTest : public FakeGlTest {
+class GeometryAttribsTest : public FakeGeometryTest {
  protected:
   void make_separate(unsigned int num_user = 0) {
-    geometry.set_alloc_params_num_vertices(VERTICES);
-    geometry.set_alloc_params_num_user_attribs(num_user);
-    ASSERT_TRUE(geometry.alloc_vertex_data());
+    alloc_vertices(VERTICES, true, num_user);
     upload();
   }
   void make_interleaved(unsigned int num_user = 0) {
-    geometry.get_alloc_params_ptr()->separate_vertex_arrays = false;
-    make_separate(num_user);
-  }
-  void upload() {
-    ASSERT_TRUE(renderer.geometry_vbo_create(nullptr, &geometry));
-    ASSERT_TRUE(renderer.geometry_vbo_update(&geometry));
-    gl.clear();
+    alloc_vertices(VERTICES, false, num_user);
+    upload();
   }
   Calls bind_calls() {
     gl.clear();
@@ -48,11 +37,6 @@ class GeometryAttribsTest : public FakeGlTest {
     return gl.calls_of({"glVertexAttribPointer"});
   }
   std::string vbo() { return std::to_string(geometry.vb()->buffer_id); }
-  void TearDown() override {
-    if (geometry.vb_uploaded) renderer.geometry_vbo_destroy(&geometry);
-  }
-
-  GeometryCore geometry;
 };
 
 }  // namespace
@@ -124,6 +108,60 @@ TEST_F(GeometryAttribsTest, DivisorsAreSetAndTakenBack) {
   EXPECT_EQ(1, gl.count("glVertexAttribDivisorARB"));
   EXPECT_THAT(unbind_calls(), Contains("glVertexAttribDivisorARB(4, 0)"));
   EXPECT_EQ(1, gl.count("glVertexAttribDivisorARB"));
+}
+
+TEST_F(GeometryAttribsTest, UnbindDisablesWhatWasEnabledWhateverTheGeometryHasBecome) {
+  start();
+  make_separate();
+  bind_calls();
+  geometry.free_vertex_data();
+  unbind_calls();
+  EXPECT_EQ(4u, gl.calls_of({"glDisableVertexAttribArray"}).size());
+  unbind_calls();
+  EXPECT_EQ(0, gl.count("glDisableVertexAttribArray")) << "nothing is left";
+}
+
+TEST_F(GeometryAttribsTest, DestroyOfABoundGeometryDisablesItsArraysFirst) {
+  start();
+  make_separate(1);
+  geometry.use_gl2_built_in_vertex_attribs_set_state(true);
+  bind_calls();
+  gl.clear();
+  EXPECT_TRUE(renderer.geometry_vbo_destroy(&geometry));
+  EXPECT_THAT(gl.changes(),
+              ::testing::ContainerEq(Calls{
+                  "glDisableClientState(GL_VERTEX_ARRAY)", "glClientActiveTexture(GL_TEXTURE0)",
+                  "glDisableClientState(GL_TEXTURE_COORD_ARRAY)",
+                  "glDisableClientState(GL_NORMAL_ARRAY)", "glDisableClientState(GL_COLOR_ARRAY)",
+                  "glDisableVertexAttribArray(4)", gl.calls().back()}));
+  EXPECT_EQ(0u, gl.calls().back().rfind("glDeleteBuffers", 0));
+}
+
+TEST_F(GeometryAttribsTest, FreeingTheSourceOfBoundArraysDisablesThem) {
+  start();
+  make_separate();
+  GpuBufferData shared;
+  ASSERT_TRUE(renderer.gpu_buffer_alloc(nullptr, &shared, GPU_BUFFER_ARRAY,
+                                        BUFFER_USAGE_STATIC_DRAW, 256, nullptr));
+  geometry.set_vb_source(&shared);
+  bind_calls();
+  gl.clear();
+  renderer.gpu_buffer_free(&shared);
+  EXPECT_EQ(4u, gl.calls_of({"glDisableVertexAttribArray"}).size());
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry));
+  geometry.set_vb_source(nullptr);
+}
+
+TEST_F(GeometryAttribsTest, ArraysOfAGeometryThatWasNotUnboundAreDisabledByTheNext) {
+  start();
+  make_separate(2);
+  bind_calls();
+  GeometryCore other;
+  make_other(&other, VERTICES);
+  gl.clear();
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&other));
+  EXPECT_TRUE(gl.called("glDisableVertexAttribArray(5)"));
+  EXPECT_TRUE(renderer.geometry_vbo_destroy(&other));
 }
 
 // ---- fixed arrays ----

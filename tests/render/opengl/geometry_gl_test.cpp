@@ -252,6 +252,35 @@ TEST_P(GeometryGlTest, ManyMeshesTakeTurns) {
   renderer.geometry_vbo_destroy(&other);
 }
 
+// Arrays that stay enabled would be read from address 0 once their buffer is gone.
+TEST_P(GeometryGlTest, DrawingAfterABoundGeometryWasDestroyedIsSafe) {
+  make_quad(true, vec4(1, 0, 0, 1));
+  add_two_faces(false);
+  ASSERT_TRUE(renderer.geometry_vbo_create(nullptr, &geometry));
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  EXPECT_TRUE(renderer.geometry_vbo_draw(&geometry));
+  EXPECT_EQ(RED, center());
+  EXPECT_TRUE(renderer.geometry_vbo_destroy(&geometry));
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry));
+  renderer.draw_triangles(1000, 1000);
+  renderer.finish_gl();
+  context.take_errors();  // core contexts refuse to draw without a vertex array object
+}
+
+TEST_P(GeometryGlTest, SubsetOfAGeometryThatIsNotBoundReadsNoAddress) {
+  make_quad(true, vec4(1, 0, 0, 1));
+  add_two_faces(false);
+  ASSERT_TRUE(renderer.geometry_vbo_create(nullptr, &geometry));
+  ASSERT_TRUE(renderer.geometry_vbo_update(&geometry));
+  MaterialSubset subset;
+  subset.start_face = 1;
+  subset.end_face = 1;
+  geometry.set_current_subset(&subset);
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry));
+  geometry.set_current_subset(nullptr);
+  EXPECT_EQ(BLACK, center());
+}
+
 TEST_P(GeometryGlTest, PointSpritesAreDrawnWithTheSizeOfTheProgram) {
   renderer.gpu_program_unload(&program);
   load_program(&program,

@@ -1,10 +1,7 @@
-#include <orv/geometry/geometry_core.h>
-#include <orv/gpu/gpu_buffer_data.h>
-
 #include <cstring>
 #include <thread>
 
-#include "render/opengl/fake_gl_fixture.h"
+#include "render/opengl/geometry_fixture.h"
 
 using namespace orv;
 using namespace orv::test;
@@ -18,29 +15,20 @@ namespace {
 
 constexpr unsigned int VERTICES = 4;
 
-class GeometryTest : public FakeGlTest {
+class GeometryTest : public FakeGeometryTest {
  protected:
   /// Separate arrays of four vertices, with faces when asked for.
   void make_separate(unsigned int num_faces = 0, bool force_32 = false) {
-    geometry.set_alloc_params_num_vertices(VERTICES);
-    ASSERT_TRUE(geometry.alloc_vertex_data());
+    alloc_vertices(VERTICES, true, 0);
     if (num_faces > 0) {
       ASSERT_TRUE(geometry.alloc_face_data(num_faces, force_32));
     }
   }
   void make_interleaved(unsigned int num_user_attribs = 0) {
-    geometry.get_alloc_params_ptr()->separate_vertex_arrays = false;
-    geometry.set_alloc_params_num_vertices(VERTICES);
-    geometry.set_alloc_params_num_user_attribs(num_user_attribs);
-    ASSERT_TRUE(geometry.alloc_vertex_data());
-  }
-  /// Creates and fills the buffers and forgets the calls.
-  void upload() {
-    ASSERT_TRUE(renderer.geometry_vbo_create(nullptr, &geometry));
-    ASSERT_TRUE(renderer.geometry_vbo_update(&geometry));
-    gl.clear();
+    alloc_vertices(VERTICES, false, num_user_attribs);
   }
   Calls draw_calls() {
+    EXPECT_TRUE(renderer.geometry_vbo_bind(&geometry));
     gl.clear();
     EXPECT_TRUE(renderer.geometry_vbo_draw(&geometry));
     return gl.calls_of({"glDraw"});
@@ -53,11 +41,6 @@ class GeometryTest : public FakeGlTest {
     std::memcpy(&value, vertex_bytes().data() + index * 4, 4);
     return value;
   }
-  void TearDown() override {
-    if (geometry.vb_uploaded) renderer.geometry_vbo_destroy(&geometry);
-  }
-
-  GeometryCore geometry;
 };
 
 }  // namespace
@@ -513,6 +496,19 @@ TEST_F(GeometryTest, DrawingGoesOnFromTheBuffersAfterTheArraysWereGivenUp) {
   EXPECT_TRUE(renderer.geometry_vbo_unbind(&geometry));
 }
 
+TEST_F(GeometryTest, ArraysThatWereNeverSentAreGivenUpWithoutBeingDrawn) {
+  start();
+  make_separate(2);
+  upload();
+  geometry.set_alloc_params_num_vertices(1000);
+  ASSERT_TRUE(geometry.alloc_vertex_data());
+  ASSERT_TRUE(geometry.alloc_face_data(500, true));
+  geometry.release_cpu_data();
+  EXPECT_TRUE(renderer.geometry_vbo_update(&geometry));
+  EXPECT_THAT(draw_calls(), ElementsAre("glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, 0)"));
+  EXPECT_TRUE(renderer.geometry_vbo_unbind(&geometry));
+}
+
 TEST_F(GeometryTest, FreedGeometryDrawsNothing) {
   start();
   make_separate(2);
@@ -536,6 +532,43 @@ TEST_F(GeometryTest, GeometryThatChangedSinceItsBindingIsNotDrawn) {
   EXPECT_THAT(gl.calls_of({"glDraw"}), IsEmpty());
   EXPECT_TRUE(renderer.geometry_vbo_bind(&geometry)) << "binding sends what is new";
   EXPECT_THAT(draw_calls(), ElementsAre("glDrawElements(GL_TRIANGLES, 3000, GL_UNSIGNED_INT, 0)"));
+}
+
+TEST_F(GeometryTest, GeometryThatIsNotTheOneBoundIsNotDrawn) {
+  start();
+  make_separate(2);
+  upload();
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry)) << "not bound yet";
+  GeometryCore other;
+  make_other(&other, VERTICES);
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&other));
+  gl.clear();
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry));
+  EXPECT_TRUE(renderer.geometry_vbo_draw(&other));
+  EXPECT_TRUE(renderer.geometry_vbo_unbind(&other));
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&other));
+  EXPECT_THAT(gl.calls_of({"glDraw"}), ElementsAre("glDrawArrays(GL_TRIANGLES, 0, 4)"));
+  EXPECT_TRUE(renderer.geometry_vbo_destroy(&other));
+}
+
+TEST_F(GeometryTest, GeometryWhoseBuffersWentAfterItsBindingIsNotDrawn) {
+  start();
+  make_separate(2);
+  upload();
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  renderer.gpu_buffer_free(geometry.vb());
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry));
+  renderer.geometry_vbo_destroy(&geometry);
+  upload();
+  ASSERT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  GpuBufferData indices;
+  ASSERT_TRUE(renderer.gpu_buffer_alloc(nullptr, &indices, GPU_BUFFER_ELEMENT_ARRAY,
+                                        BUFFER_USAGE_STATIC_DRAW, 64, nullptr));
+  EXPECT_FALSE(renderer.geometry_vbo_draw(&geometry)) << "other indices were bound";
+  EXPECT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  EXPECT_TRUE(renderer.geometry_vbo_draw(&geometry));
+  renderer.gpu_buffer_free(&indices);
 }
 
 // ---- deleting ----
