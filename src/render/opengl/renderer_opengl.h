@@ -50,8 +50,8 @@ struct GlShadowState {
   // target
   int draw_buffer = 0;
 
-  /// Back to the state that apply_pipeline_state sets.
-  void reset() { *this = GlShadowState(); }
+  /// Back to the state that apply_pipeline_state sets, which leaves the fixed pipeline's matrices.
+  void reset();
 };
 
 /// The geometry that is bound on a context, and the arrays that are enabled for it outside of

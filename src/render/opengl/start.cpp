@@ -70,6 +70,8 @@ bool RendererOpenGL::start() {
   facts_.instancing_supported = is_instancing_supported();
   if (!started_) log.tracef_debug("OpenGL renderer - not started: no context is current");
   register_capabilities();
+  shadow_ = GlShadowState();
+  bound_ = GlBoundGeometry();
   apply_pipeline_state();
   return started_;
 }

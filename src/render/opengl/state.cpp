@@ -2,6 +2,8 @@
 // for reading back alone.
 #include <orv/core/log_mgr.h>
 
+#include <algorithm>
+
 #include "render/opengl/gl_draw_enums.h"
 #include "render/opengl/renderer_opengl.h"
 
@@ -238,10 +240,18 @@ bool RendererOpenGL::set_patch_vertices(int num_vertices) {
 
 // ---- starting state ----
 
+void GlShadowState::reset() {
+  const GlShadowState old = *this;
+  *this = GlShadowState();
+  std::copy(std::begin(old.fixed_projection), std::end(old.fixed_projection), fixed_projection);
+  std::copy(std::begin(old.fixed_modelview), std::end(old.fixed_modelview), fixed_modelview);
+}
+
 bool RendererOpenGL::apply_pipeline_state() {
   if (!core_.glEnable) return false;
   apply_starting_state();
   shadow_.reset();
+  set_vertex_buffer_usage_options(0, 0);
   core_.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &max_texture_size_);
   int units = 1;
   core_.glGetIntegerv(GL_MAX_TEXTURE_IMAGE_UNITS, &units);

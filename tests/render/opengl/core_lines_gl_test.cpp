@@ -56,6 +56,13 @@ std::vector<unsigned char> draw_scene(GlContext& context) {
   GeometryCore geometry;
   draw_triangle(renderer, &geometry);
   EXPECT_EQ(nullptr, renderer.get_current_gpu_program());
+  // The matrices outlive the reset of all other state.
+  renderer.apply_pipeline_state();
+  renderer.draw_immediate_line(vec4(-1, 1, 0), vec4(1, -1, 0), vec4(1, 1, 0), vec4(0, 1, 1));
+  renderer.load_fixed_matrices(nullptr, &view, nullptr, nullptr);
+  EXPECT_TRUE(renderer.geometry_vbo_bind(&geometry));
+  renderer.draw_triangles(1, 0);
+  EXPECT_TRUE(renderer.geometry_vbo_unbind(&geometry));
   renderer.load_identity_matrices(true, true, false);
   renderer.draw_immediate_line(vec4(-1, -1, 0), vec4(1, 1, 0), vec4(1, 1, 1), vec4(1, 1, 1));
   renderer.geometry_vbo_destroy(&geometry);

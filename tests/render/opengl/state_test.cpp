@@ -1,3 +1,4 @@
+#include <orv/gpu/gpu_enums.h>
 #include <orv/math/mat4.h>
 
 #include "render/opengl/fake_gl_fixture.h"
@@ -70,6 +71,37 @@ TEST_F(StateTest, PipelineStateRestoresTheShadowValues) {
   EXPECT_FALSE(shadow.scissor_test);
   EXPECT_EQ(RENDERER_BLEND_FACTOR_ONE, shadow.blend_source);
   EXPECT_EQ(RENDERER_BLEND_FACTOR_ONE, shadow.blend_destination);
+}
+
+TEST_F(StateTest, PipelineStateLeavesTheMatricesOfTheFixedPipeline) {
+  start_core();
+  renderer.set_projection_matrix(numbered_matrix(), true);
+  renderer.set_modelview_matrix(numbered_matrix(), true);
+  renderer.apply_pipeline_state();
+  EXPECT_EQ(16.0f, renderer.shadow().fixed_projection[15]);
+  EXPECT_EQ(2.0f, renderer.shadow().fixed_modelview[1]);
+  renderer.stop();
+  ASSERT_TRUE(renderer.start());
+  EXPECT_EQ(1.0f, renderer.shadow().fixed_projection[15]) << "a start begins anew";
+  EXPECT_EQ(0.0f, renderer.shadow().fixed_modelview[1]);
+}
+
+TEST_F(StateTest, PipelineStateTakesTheUsageOptionsBack) {
+  start();
+  renderer.set_vertex_buffer_usage_options(BUFFER_USAGE_DYNAMIC_DRAW, BUFFER_USAGE_STREAM_DRAW);
+  renderer.apply_pipeline_state();
+  EXPECT_EQ(0u, renderer.gpu_buffer_get_usage_option(0));
+  EXPECT_EQ(0u, renderer.gpu_buffer_get_usage_option(1));
+}
+
+// The starting state says so for every window, whatever samples it has.
+TEST_F(StateTest, MultisamplingIsOffAtTheStartOfAMultisampledWindow) {
+  gl.set_integer(GL_SAMPLES, 4);
+  gl.set_integer(GL_SAMPLE_BUFFERS, 1);
+  gl.attach(renderer);
+  ASSERT_TRUE(renderer.start());
+  EXPECT_THAT(gl.calls(), Contains("glDisable(GL_MULTISAMPLE)"));
+  EXPECT_THAT(gl.calls(), Not(Contains("glEnable(GL_MULTISAMPLE)")));
 }
 
 TEST_F(StateTest, WithoutTessellationNoPatchSizeIsSet) {
