@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstddef>
+
+#include "support/vtable_slot.h"
 
 namespace orv {
 namespace {
@@ -16,31 +18,22 @@ enum Ordinal : int {
 
 static_assert(ORDINAL_COUNT == 463, "the table of renderer operations has a fixed length");
 
-// A pointer to a virtual member holds 1 + the byte offset of its slot (Itanium C++ ABI).
-template <class Member>
-long slot_of(Member member) {
-  long words[2] = {};
-  static_assert(sizeof(member) == sizeof(words));
-  std::memcpy(words, &member, sizeof(words));
-  return (words[0] - 1) / static_cast<long>(sizeof(void*));
-}
-
 // The destructor takes two slots, the eight operations of Plugin follow.
-constexpr long first_slot = 2 + 8;
+constexpr std::size_t FIRST_SLOT = 2 + 8;
 
 TEST(RendererOrder, EachOperationStandsAtItsPlaceInTheTable) {
 #define ORV_OP(result, name, parameters, arguments, null_result) \
-  EXPECT_EQ(slot_of(&Renderer::name), first_slot + ORDINAL_##name) << #name;
+  EXPECT_EQ(test::vtable_slot(&Renderer::name), FIRST_SLOT + ORDINAL_##name) << #name;
 #include <orv/render/renderer_ops.inc>
 }
 
 TEST(RendererOrder, PluginOperationsComeFirst) {
-  EXPECT_EQ(slot_of(&Renderer::tracef), 2);
-  EXPECT_EQ(slot_of(&Renderer::tracef_debug), 5);
-  EXPECT_EQ(slot_of(static_cast<bool (Renderer::*)()>(&Renderer::initialize)), 6);
-  EXPECT_EQ(slot_of(static_cast<bool (Renderer::*)()>(&Renderer::terminate)), 7);
-  EXPECT_EQ(slot_of(static_cast<bool (Renderer::*)()>(&Renderer::start)), 8);
-  EXPECT_EQ(slot_of(static_cast<bool (Renderer::*)()>(&Renderer::stop)), 9);
+  EXPECT_EQ(test::vtable_slot(&Renderer::tracef), 2u);
+  EXPECT_EQ(test::vtable_slot(&Renderer::tracef_debug), 5u);
+  EXPECT_EQ(test::vtable_slot_of<bool()>(&Renderer::initialize), 6u);
+  EXPECT_EQ(test::vtable_slot_of<bool()>(&Renderer::terminate), 7u);
+  EXPECT_EQ(test::vtable_slot_of<bool()>(&Renderer::start), 8u);
+  EXPECT_EQ(test::vtable_slot_of<bool()>(&Renderer::stop), 9u);
 }
 
 TEST(RendererOrder, FamiliesBeginWhereOtherBackEndsExpectThem) {

@@ -36,6 +36,7 @@ class ORV_API Renderer : public Plugin {
 
   /// Name of the API, at most 127 characters, "" until the implementation sets it.
   const char* get_api_name() const;
+  /// Which API, ORV_API3D_NONE until the implementation sets it.
   ORV_API3D get_api_type() const;
 
   /// The window that operations without a window argument mean; borrowed, null at first.
@@ -49,6 +50,7 @@ class ORV_API Renderer : public Plugin {
  protected:
   /// Copies at most 127 characters; null clears the name.
   void set_api_name(const char* name);
+  /// For implementations, in their constructor.
   void set_api_type(ORV_API3D type);
 
  private:

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "render/opengl/renderer_opengl.h"
+#include "support/vtable_slot.h"
 
 namespace orv::test {
 namespace {
@@ -105,6 +106,11 @@ TEST(ReservedOperations, NamedOnesOfOtherBackEnds) {
   EXPECT_TRUE(renderer.render_window_reserved_1(nullptr));
   EXPECT_TRUE(renderer.render_window_reserved_2(nullptr));
   EXPECT_TRUE(renderer.render_window_reserved_3(nullptr));
+}
+
+TEST(ReservedOperations, OneOperationOfItsOwnFollowsTheTable) {
+  // The destructor takes two places.
+  EXPECT_EQ(vtable_slot(&RendererOpenGL::get_texture_2d_binding_current), 472u + 1u);
 }
 
 }  // namespace
