@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <typeinfo>
 
+#include "geometry/std_fields.h"
+
 namespace orv {
 
 /// Reads and writes one standard attribute of all vertices.
@@ -68,8 +70,6 @@ class AttribAccess {
 
  private:
   void find_storage() {
-    static constexpr vec4 Vertex::*FIELDS[4] = {&Vertex::position, &Vertex::uv0, &Vertex::normal,
-                                                &Vertex::color};
     if (data_->separate_vertex_arrays) {
       array_ = data_->get_vertex_attrib_array(static_cast<unsigned int>(attrib_));
       if (!array_ || !array_->data) return;
@@ -78,7 +78,7 @@ class AttribAccess {
       stride_ = static_cast<std::size_t>(dim_);
       count_ = static_cast<unsigned int>(array_->num_elements);
     } else if (data_->vertices) {
-      base_ = (data_->vertices->*FIELDS[attrib_]).ptr();
+      base_ = (data_->vertices->*STD_FIELDS[attrib_]).ptr();
       dim_ = 4;
       stride_ = sizeof(Vertex) / sizeof(float);
       count_ = data_->num_vertices;
@@ -117,31 +117,21 @@ class AttribAccess {
         return data_->get_color(i);
     }
   }
-  void set_by_operation(unsigned int i, const vec4& v) {
+  // Position and normal have operations for three components too.
+  template <class Value>
+  void set_by_operation(unsigned int i, const Value& v) {
     switch (attrib_) {
       case VERTEX_ATTRIB_POSITION:
         data_->set_position(i, v);
         break;
       case VERTEX_ATTRIB_UV0:
-        data_->set_uv0(i, v);
+        data_->set_uv0(i, vec4(v));
         break;
       case VERTEX_ATTRIB_NORMAL:
         data_->set_normal(i, v);
         break;
       default:
-        data_->set_color(i, v);
-    }
-  }
-  void set_by_operation(unsigned int i, const vec3& v) {
-    switch (attrib_) {
-      case VERTEX_ATTRIB_POSITION:
-        data_->set_position(i, v);
-        break;
-      case VERTEX_ATTRIB_NORMAL:
-        data_->set_normal(i, v);
-        break;
-      default:
-        set_by_operation(i, vec4(v));
+        data_->set_color(i, vec4(v));
     }
   }
 

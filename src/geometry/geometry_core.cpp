@@ -4,7 +4,9 @@
 #include <orv/gpu/gpu_buffer_data.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cstdio>
+
+#include "geometry/face_access.h"
 
 namespace orv {
 
@@ -12,7 +14,7 @@ GeometryCore::GeometryCore() : vb_(new GpuBufferData), vb_source(vb_), id(utils:
   static constexpr const char* NAMES[4] = {"orvex_Position", "orvex_TexCoord0", "orvex_Normal",
                                            "orvex_Color"};
   for (int i = 0; i < 4; ++i) {
-    std::strcpy(std_attrib_data[i].name, NAMES[i]);
+    std::snprintf(std_attrib_data[i].name, sizeof(std_attrib_data[i].name), "%s", NAMES[i]);
     std_attrib_data[i].location = i;
   }
 }
@@ -101,17 +103,10 @@ bool GeometryCore::is_update_vertex_buffer_needed() const {
 
 bool GeometryCore::set_face_indices(unsigned int face, unsigned int a, unsigned int b,
                                     unsigned int c) {
-  if (face >= num_faces) return false;
-  if (index_bits == 16 && faces_u16) {
-    faces_u16[face] = FaceU16(static_cast<unsigned short>(a), static_cast<unsigned short>(b),
-                              static_cast<unsigned short>(c));
-    return true;
-  }
-  if (index_bits != 16 && faces_u32) {
-    faces_u32[face] = FaceU32(a, b, c);
-    return true;
-  }
-  return false;
+  FaceAccess faces(*this);
+  if (face >= faces.size()) return false;
+  faces.set(face, a, b, c);
+  return true;
 }
 
 }  // namespace orv

@@ -54,13 +54,17 @@ bool GeometryCore::alloc_vertex_data() {
 }
 
 void GeometryCore::check_standard_size() const {
-  std::uint64_t floats = 16;
-  if (separate_vertex_arrays) {
-    floats = 0;
-    for (int i = 0; i < 4; ++i) {
-      const int dim = alloc_params.vertex_attrib_dim[i];
-      if (dim >= 1 && dim <= 4) floats += static_cast<std::uint64_t>(dim);
-    }
+  if (!separate_vertex_arrays) {
+    // User arrays from before stay behind the vertices.
+    check_geometry_bytes(num_vertices, sizeof(Vertex));
+    check_geometry_bytes(
+        get_separate_vertex_arrays_size() + std::uint64_t{num_vertices} * sizeof(Vertex), 1);
+    return;
+  }
+  std::uint64_t floats = 0;
+  for (int i = 0; i < 4; ++i) {
+    const int dim = alloc_params.vertex_attrib_dim[i];
+    if (dim >= 1 && dim <= 4) floats += static_cast<std::uint64_t>(dim);
   }
   check_geometry_bytes(num_vertices, floats * sizeof(float));
 }
@@ -221,13 +225,11 @@ bool GeometryCore::free_data() {
 }
 
 void GeometryCore::release_cpu_data() {
-  GeometryGpuLayout layout;
-  get_gpu_layout(&layout);
+  // A renderer that notes its uploads may be behind the arrays; any other is taken to be level.
+  if (gpu_state.uploaded_serial == 0) get_gpu_layout(&gpu_state.released);
   const bool keep = vb_uploaded;
   free_data();
-  if (!keep) return;
-  gpu_state.released = layout;
-  gpu_state.cpu_released = true;
+  gpu_state.cpu_released = keep;
 }
 
 }  // namespace orv

@@ -33,7 +33,7 @@ VertexAttribArray* GeometryCore::alloc_new_vertex_attrib_array(unsigned int n) {
     if (dim >= 1 && dim <= 4) {
       const std::uint64_t element_size = static_cast<std::uint64_t>(dim) * sizeof(float);
       check_geometry_bytes(n, element_size);
-      check_geometry_bytes(get_total_vertex_buffer_size() + n * element_size, 1);
+      check_geometry_bytes(vertex_buffer_bytes() + n * element_size, 1);
     }
     array->alloc_data_v2(dim, n, alloc_params.vertex_alignment);
     array->layout_serial = &layout_serial;

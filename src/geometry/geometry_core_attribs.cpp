@@ -1,12 +1,10 @@
 #include <orv/geometry/geometry_core.h>
 
+#include "geometry/std_fields.h"
+
 namespace orv {
 
 namespace {
-
-// Fields of the interleaved vertex in the order of the standard arrays.
-constexpr vec4 Vertex::*STD_FIELDS[4] = {&Vertex::position, &Vertex::uv0, &Vertex::normal,
-                                         &Vertex::color};
 
 constexpr unsigned int POSITION = VERTEX_ATTRIB_POSITION;
 constexpr unsigned int UV0 = VERTEX_ATTRIB_UV0;

@@ -3,22 +3,36 @@
 #include <algorithm>
 #include <cstring>
 
+#include "geometry/limits.h"
+
 namespace orv {
 
 // ---- sizes ----
+
+namespace {
+
+unsigned int fit_in_32_bits(unsigned long long bytes) {
+  return static_cast<unsigned int>(std::min(bytes, 0xFFFFFFFFull));
+}
+
+}  // namespace
+
+unsigned long long GeometryCore::vertex_buffer_bytes() const {
+  unsigned long long bytes = get_interleaved_vertex_array_size();
+  for (unsigned int i = 0; i < num_attrib_arrays; ++i) bytes += attrib_arrays[i]->get_size();
+  return bytes;
+}
 
 unsigned int GeometryCore::get_interleaved_vertex_array_size() const {
   return vertices ? num_vertices * static_cast<unsigned int>(sizeof(Vertex)) : 0;
 }
 
 unsigned int GeometryCore::get_separate_vertex_arrays_size() const {
-  unsigned int size = 0;
-  for (unsigned int i = 0; i < num_attrib_arrays; ++i) size += attrib_arrays[i]->get_size();
-  return size;
+  return fit_in_32_bits(vertex_buffer_bytes() - get_interleaved_vertex_array_size());
 }
 
 unsigned int GeometryCore::get_total_vertex_buffer_size() const {
-  return get_interleaved_vertex_array_size() + get_separate_vertex_arrays_size();
+  return fit_in_32_bits(vertex_buffer_bytes());
 }
 
 unsigned int GeometryCore::get_total_index_buffer_size() const {
@@ -42,7 +56,7 @@ bool GeometryCore::interleaved_vertex_array_to_memory(void* p) {
 }
 
 bool GeometryCore::separate_vertex_arrays_to_memory(void* p) {
-  if (!p) return false;
+  if (!p || vertex_buffer_bytes() > MAX_GEOMETRY_BYTES) return false;
   auto* target = static_cast<unsigned char*>(p) + get_interleaved_vertex_array_size();
   for (unsigned int i = 0; i < num_attrib_arrays; ++i) {
     const VertexAttribArray& array = *attrib_arrays[i];
@@ -66,7 +80,7 @@ bool GeometryCore::interleaved_vertex_array_from_memory(const void* p) {
 }
 
 bool GeometryCore::separate_vertex_arrays_from_memory(const void* p) {
-  if (!p) return false;
+  if (!p || vertex_buffer_bytes() > MAX_GEOMETRY_BYTES) return false;
   const auto* source = static_cast<const unsigned char*>(p) + get_interleaved_vertex_array_size();
   for (unsigned int i = 0; i < num_attrib_arrays; ++i) {
     VertexAttribArray& array = *attrib_arrays[i];
@@ -134,6 +148,12 @@ bool GeometryCore::copy_face_data(GeometryCore* src, bool realloc) {
 }
 
 // ---- what a renderer binds and draws ----
+
+void GeometryCore::note_uploaded() {
+  if (gpu_state.uploaded_serial == layout_serial) return;
+  get_gpu_layout(&gpu_state.released);
+  gpu_state.uploaded_serial = layout_serial;
+}
 
 void GeometryCore::get_gpu_layout(GeometryGpuLayout* out) const {
   if (!out) return;

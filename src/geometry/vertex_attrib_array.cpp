@@ -99,7 +99,6 @@ bool VertexAttribArray::allocate(int dim, unsigned int n, int byte_alignment) {
 }
 
 void VertexAttribArray::free_data() {
-  if (data) touch_layout();
   const unsigned int n = static_cast<unsigned int>(num_elements);
   delete_elements(data_vec4, n, data_vec4 ? raw_data : nullptr, AlignedDelete_vec4);
   delete_elements(data_vec3, n, data_vec3 ? raw_data : nullptr, AlignedDelete_vec3);
@@ -109,6 +108,7 @@ void VertexAttribArray::free_data() {
 }
 
 void VertexAttribArray::reset() {
+  if (data) touch_layout();
   num_elements = 0;
   element_dim = 0;
   element_size = 0;

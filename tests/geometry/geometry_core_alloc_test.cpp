@@ -92,7 +92,7 @@ TEST(GeometryCoreAlloc, ParticlesAreAllocatedWhenAskedFor) {
 }
 
 TEST(GeometryCoreAlloc, NoVerticesIsAnError) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   EXPECT_FALSE(core.alloc_vertex_data());
   EXPECT_TRUE(log.contains("Geometry core data allocation failed - num_vertices is 0"));
@@ -100,7 +100,7 @@ TEST(GeometryCoreAlloc, NoVerticesIsAnError) {
 
 TEST(GeometryCoreAlloc, TooManyVerticesAreReportedAndFail) {
   for (const VertexForm form : {VertexForm::SEPARATE, VertexForm::INTERLEAVED}) {
-    const LogCapture log;
+    const LogCapture log(LOG_LEVEL_ERROR);
     GeometryCore core;
     EXPECT_FALSE(alloc_vertices(core, 0xFFFFFFFFu, form));
     EXPECT_TRUE(
@@ -115,10 +115,20 @@ TEST(GeometryCoreAlloc, TooManyVerticesAreReportedAndFail) {
 }
 
 TEST(GeometryCoreAlloc, TheWholeVertexBufferIsLimitedToo) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   EXPECT_FALSE(alloc_vertices(core, 0x2000000u)) << "four arrays of 2^29 bytes";
   EXPECT_TRUE(log.contains("33554432 vertices required - error: std::bad_alloc"));
+}
+
+TEST(GeometryCoreAlloc, InterleavedVerticesShareTheLimitWithArraysFromBefore) {
+  const LogCapture log(LOG_LEVEL_ERROR);
+  GeometryCore core;
+  ASSERT_NE(core.alloc_new_vertex_attrib_array(4), nullptr);
+  EXPECT_FALSE(alloc_vertices(core, 0x1FFFFFFu, VertexForm::INTERLEAVED))
+      << "2^31 - 64 bytes alone would fit, but not with 64 more in one buffer";
+  EXPECT_TRUE(log.contains("33554431 vertices required - error: std::bad_alloc"));
+  EXPECT_EQ(core.vertices, nullptr);
 }
 
 TEST(GeometryCoreAlloc, AllocatingAgainReplacesVertices) {
@@ -241,11 +251,11 @@ TEST(GeometryCoreAlloc, SecondFormGoesThroughTheSlotOfTheThird) {
 TEST(GeometryCoreAlloc, TooManyFacesAreReportedAndFail) {
   GeometryCore core;
   {
-    const LogCapture log;
+    const LogCapture log(LOG_LEVEL_ERROR);
     EXPECT_FALSE(core.alloc_face_data(0xFFFFFFFFu, false));
     EXPECT_TRUE(log.contains("Geometry core - faces memory allocation failed: std::bad_alloc"));
   }
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   EXPECT_FALSE(core.alloc_face_data_v3(0xFFFFFFFFu, PRIMITIVE_LINES));
   EXPECT_TRUE(log.contains("Geometry core - faces memory allocation failed: std::bad_alloc"));
   EXPECT_EQ(core.indices, nullptr);
@@ -328,6 +338,27 @@ TEST(GeometryCoreAlloc, ReleasedDataIsDescribedFromBefore) {
   EXPECT_EQ(layout.index_bits, 16);
   EXPECT_EQ(layout.num_attribs, 5u);
   EXPECT_EQ(layout.attribs[3].location, 3);
+}
+
+TEST(GeometryCoreAlloc, ReleasedDataIsDescribedAsItWasUploaded) {
+  GeometryCore core;
+  ASSERT_TRUE(alloc_vertices(core, 6));
+  ASSERT_TRUE(core.alloc_face_data(2, false));
+  core.vb_uploaded_set_state(true);
+  core.note_uploaded();
+  ASSERT_TRUE(alloc_vertices(core, 600, VertexForm::INTERLEAVED));
+  ASSERT_TRUE(core.alloc_face_data(200, true));
+  core.release_cpu_data();
+  GeometryGpuLayout layout;
+  core.get_gpu_layout(&layout);
+  EXPECT_EQ(layout.num_vertices, 6u) << "the buffers never got the 600";
+  EXPECT_EQ(layout.num_faces, 2u);
+  EXPECT_EQ(layout.index_bits, 16);
+  EXPECT_EQ(layout.interleaved_size, 0u);
+  EXPECT_EQ(layout.num_attribs, 4u);
+  core.release_cpu_data();
+  core.get_gpu_layout(&layout);
+  EXPECT_EQ(layout.num_vertices, 6u) << "once more changes nothing";
 }
 
 TEST(GeometryCoreAlloc, FreeingOrAllocatingEndsTheRelease) {

@@ -57,7 +57,7 @@ TEST(GeometryCoreArrays, DimensionAndAlignmentComeFromTheParams) {
 }
 
 TEST(GeometryCoreArrays, ArraysThatDontFitAreAnError) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   core.alloc_new_vertex_attrib_array(1);
   EXPECT_EQ(core.alloc_new_vertex_attrib_array(0xFFFFFFFFu), nullptr);
@@ -68,7 +68,7 @@ TEST(GeometryCoreArrays, ArraysThatDontFitAreAnError) {
 }
 
 TEST(GeometryCoreArrays, AllArraysTogetherAreLimited) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   core.alloc_params.set_vertex_attrib_dim(0, 1);
   ASSERT_NE(core.alloc_new_vertex_attrib_array(4), nullptr);

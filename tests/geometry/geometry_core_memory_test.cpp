@@ -48,6 +48,20 @@ TEST(GeometryCoreMemory, SizesFollowTheForm) {
   }
 }
 
+TEST(GeometryCoreMemory, SizesThatExceedThirtyTwoBitsDontWrap) {
+  GeometryCore core;
+  core.alloc_vertex_attrib_arrays(3, 1);
+  // As arrays are that were allocated one by one, without their memory.
+  for (unsigned int i = 0; i < 3; ++i) core.attrib_arrays[i]->num_elements = 0x7FFFFFF;
+  EXPECT_EQ(core.get_separate_vertex_arrays_size(), 0xFFFFFFFFu);
+  EXPECT_EQ(core.get_total_vertex_buffer_size(), 0xFFFFFFFFu);
+  vec4 memory[3];
+  EXPECT_FALSE(core.separate_vertex_arrays_to_memory(memory));
+  EXPECT_FALSE(core.separate_vertex_arrays_from_memory(memory));
+  EXPECT_TRUE(core.vertex_arrays_to_memory(memory)) << "true whatever happened";
+  for (unsigned int i = 0; i < 3; ++i) core.attrib_arrays[i]->num_elements = 1;
+}
+
 TEST(GeometryCoreMemory, IndexBufferFollowsTheFaces) {
   GeometryCore core;
   core.alloc_face_data(3, false);

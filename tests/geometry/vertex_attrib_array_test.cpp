@@ -303,7 +303,15 @@ TEST(VertexAttribArray, LayoutChangesAreCounted) {
   array.set_divisor(1);
   EXPECT_EQ(serial, allocated + 2);
   array.free_data();
-  EXPECT_GT(serial, allocated + 2);
+  EXPECT_EQ(serial, allocated + 3);
+  array.free_data();
+  EXPECT_EQ(serial, allocated + 3) << "nothing was left";
+  array.alloc_data(1, 0);
+  vec4* kept = array.data_vec4;
+  const unsigned int again = serial;
+  array.reset();
+  EXPECT_EQ(serial, again + 1);
+  delete[] kept;
 }
 
 // ---- small descriptions ----

@@ -87,9 +87,14 @@ class ORV_API GeometryCore {
 
   /// Allocates `count` indices for quad edges, two per edge.
   virtual bool alloc_quad_edge_data(unsigned int count);
+  /// Frees the quad edges. True.
   virtual bool free_quad_edge_data();
 
-  // ---- sizes and pointers of attributes ----
+  /// @name Sizes and pointers of attributes
+  /// Position, uv0, normal and colour are looked up in arrays 0 to 3 or, in the interleaved form,
+  /// in the vertex. The second texture coordinates and the tangent belong to derived classes: here
+  /// they are 0 and null.
+  /// @{
 
   /// Bytes of the attribute's array; 0 for interleaved geometry, which has no such array.
   virtual unsigned int get_position_size();
@@ -124,17 +129,18 @@ class ORV_API GeometryCore {
   virtual void* get_uv1_ptr();
   virtual void* get_tangent_ptr();
 
-  // ---- contents of attributes ----
-  //
-  // update_X_subbuffer copies `count` vec4s (16 bytes each, whatever the element size) to byte
-  // `start` * 16 of the array. False without the array, for null data, and when `start` or `count`
-  // alone exceed the number of elements; what would pass the end of the array is left out.
-  // update_X_buffer is the same for all vertices. Setters store as many components as the attribute
-  // has, with w 1 from three components; false when `i` is out of range or the attribute missing,
-  // in which case getters give (0, 0, 0, 1).
-  //
-  // The second texture coordinates and the tangent belong to derived classes: here they are
-  // missing.
+  /// @}
+  /// @name Contents of attributes
+  /// update_X_subbuffer copies `count` vec4s (16 bytes each, whatever the element size) to byte
+  /// `start` * 16 of the array. False without the array, for null data, and when `start` or `count`
+  /// alone exceed the number of elements; what would pass the end of the array is left out.
+  /// update_X_buffer is the same for all vertices. Setters store as many components as the
+  /// attribute has, with w 1 from three components; false when `i` is out of range or the attribute
+  /// missing, in which case getters give (0, 0, 0, 1).
+  ///
+  /// The second texture coordinates and the tangent belong to derived classes: here they are
+  /// missing.
+  /// @{
 
   virtual bool update_position_buffer(const void* vec4_data);
   virtual bool update_position_subbuffer(const void* vec4_data, unsigned int start,
@@ -176,13 +182,19 @@ class ORV_API GeometryCore {
   virtual bool set_tangent(unsigned int i, const vec4& v);
   virtual vec4 get_tangent(unsigned int i);
 
+  /// @}
+
   // ---- plain state ----
 
+  /// Number of this geometry, unlike that of any other.
   int getid() const { return id; }
   unsigned int get_num_vertices() const { return num_vertices; }
+  /// Faces of three; the number of indices of a generic list.
   unsigned int get_num_faces() const { return num_faces; }
+  /// 0 when it is not drawn instanced.
   unsigned int get_num_instances() const { return num_instances; }
 
+  /// How vertices or indices are assembled when drawn.
   PRIMITIVE_TYPE get_primitive_type() const { return primitive_type; }
   void set_primitive_type(PRIMITIVE_TYPE type) { primitive_type = type; }
   /// A number carried for the host; it changes nothing about the vertices.
@@ -190,25 +202,31 @@ class ORV_API GeometryCore {
   void set_vertex_format(VERTEX_FORMAT format) { vertex_format = format; }
 
   int get_vertex_alignment() const { return vertex_alignment; }  ///< bytes, as allocated
+  /// Which of the two forms the last allocation made.
   bool has_separate_vertex_arrays() const { return separate_vertex_arrays; }
+  /// Whether the last allocation made position, uv0, normal and colour.
   bool has_std_vertex_attribs() const { return std_vertex_attribs; }
 
-  /// Vertices to draw when there are no faces.
+  /// First vertex and number of vertices to draw when there are no faces.
   void set_vertex_draw_range(int start, int count);
   int get_draw_start() const { return draw_start; }
   int get_draw_count() const { return draw_count; }
 
+  /// Whether the attributes go to the arrays of the fixed pipeline. Setting it changes it alone.
   bool use_gl2_built_in_vertex_attribs_get_state() const { return use_gl2_built_in_vertex_attribs; }
   void use_gl2_built_in_vertex_attribs_set_state(bool state) {
     use_gl2_built_in_vertex_attribs = state;
   }
+  /// Whether the attributes go to their locations in the bound program.
   bool get_use_generic_vertex_attribs_state() const { return use_generic_vertex_attribs; }
   /// Also sets the built-in attributes to the opposite.
   void set_use_generic_vertex_attribs_state(bool state);
 
+  /// Whether points are drawn as sprites.
   bool get_point_sprite_state() const { return point_sprite; }
   void set_point_sprite_state(bool state) { point_sprite = state; }
 
+  /// References are only counted here; who counts one down to 0 deletes the geometry.
   void inc_ref() { ++ref_count; }
   /// Stops at 0.
   void dec_ref();
@@ -232,6 +250,8 @@ class ORV_API GeometryCore {
   void set_vb_source(GpuBufferData* buffer);
   bool is_external_vb_source() const { return vb_source != vb_; }
 
+  /// Flags of renderers: whether the vertex and the index buffer hold what the arrays hold, and
+  /// whether faces changed since.
   bool is_vb_uploaded() const { return vb_uploaded; }
   void vb_uploaded_set_state(bool state) { vb_uploaded = state; }
   bool is_ib_uploaded() const { return ib_uploaded; }
@@ -240,6 +260,7 @@ class ORV_API GeometryCore {
   bool is_ib_update_faces_list_needed() const { return ib_update_faces_list_needed; }
   void ib_update_faces_list_set_state(bool state) { ib_update_faces_list_needed = state; }
 
+  /// What the buffers are created as, and the usage hinted to the graphics API.
   GPU_BUFFER_TYPE get_vertex_buffer_type() const { return vertex_buffer_type; }
   void set_vertex_buffer_type(GPU_BUFFER_TYPE type) { vertex_buffer_type = type; }
   BUFFER_OBJECT_USAGE get_vertex_buffer_usage() const { return vertex_buffer_usage; }
@@ -249,6 +270,7 @@ class ORV_API GeometryCore {
 
   // ---- allocation parameters ----
 
+  /// What the next alloc_vertex_data will do; the pointer is never null.
   const GeometryCoreAllocParams& get_alloc_params() const { return alloc_params; }
   GeometryCoreAllocParams* get_alloc_params_ptr() { return &alloc_params; }
   void set_alloc_params(const GeometryCoreAllocParams& params) { alloc_params = params; }
@@ -266,6 +288,7 @@ class ORV_API GeometryCore {
   /// The generic indices, else the faces of the current index width; null without either.
   void* get_index_buffer_data_ptr();
 
+  /// Whether something has to be sent: of the interleaved block, of the arrays, of either.
   bool is_update_interleaved_vertex_array_needed() const;
   /// True marks the whole block for upload, false says that the GPU copy is up to date.
   void update_interleaved_vertex_array_set_state(bool state);
@@ -291,6 +314,7 @@ class ORV_API GeometryCore {
   VertexAttribArray* alloc_new_vertex_attrib_array(unsigned int n);
   /// Frees all arrays and appends `count` new ones, at most 16, as far as that goes. Always true.
   bool alloc_vertex_attrib_arrays(unsigned int count, unsigned int n);
+  /// Frees all arrays. True.
   bool free_vertex_attrib_arrays();
   /// Null for an index past the last array. The geometry stays the owner.
   VertexAttribArray* get_vertex_attrib_array(unsigned int i) const;
@@ -337,23 +361,26 @@ class ORV_API GeometryCore {
   /// the current index width or out of range. Does not mark the index buffer.
   bool set_face_indices(unsigned int face, unsigned int a, unsigned int b, unsigned int c);
 
+  /// The arrays of faces; null when there are none of the kind. The geometry stays the owner.
   FaceU16* get_faces_u16_ptr() { return faces_u16; }
   FaceU32* get_faces_u32_ptr() { return faces_u32; }
   unsigned int* get_indices_ptr() { return indices; }
   vec4* get_face_normals_ptr() { return face_normals; }
   unsigned int* get_face_materials_ptr() { return face_materials; }
   unsigned int* get_quad_edges_ptr() { return quad_edges; }
-  unsigned int get_num_quad_edges() const { return num_quad_edges; }
-  int get_index_bits() const { return index_bits; }  ///< 16 or 32
+  unsigned int get_num_quad_edges() const { return num_quad_edges; }  ///< number of indices
+  int get_index_bits() const { return index_bits; }                   ///< 16 or 32
 
   // ---- subsets ----
 
+  /// All subsets, null for none. The geometry stays the owner.
   MaterialSubset* get_subsets_ptr() { return subsets; }
   /// The subset being drawn, null outside of a subset's drawing.
   MaterialSubset* get_current_subset() { return current_subset; }
   void set_current_subset(MaterialSubset* subset) { current_subset = subset; }
   /// Frees the subsets and makes `count` empty ones; false when they don't fit in memory.
   bool alloc_subsets(unsigned int count);
+  /// Also ends the current subset.
   void free_subsets();
 
   // ---- all at once ----
@@ -364,8 +391,11 @@ class ORV_API GeometryCore {
   /// free_data, but a geometry that was uploaded can still be drawn from its buffers.
   void release_cpu_data();
 
+  /// For renderers: the buffers hold the arrays as they stand now.
+  void note_uploaded();
+
   /// Describes what has to be bound and drawn: the arrays as they stand or, after
-  /// release_cpu_data, as they stood then.
+  /// release_cpu_data, as they stood when they were uploaded last.
   void get_gpu_layout(GeometryGpuLayout* out) const;
 
   // ---- record ----
@@ -445,6 +475,8 @@ class ORV_API GeometryCore {
   void* std_attrib_ptr(unsigned int attrib);
   void begin_layout_change();
   void check_standard_size() const;
+  /// Arrays that were allocated one by one may exceed the limit.
+  unsigned long long vertex_buffer_bytes() const;
   void free_interleaved_and_particles();
   void free_face_arrays();
   template <class Make>

@@ -43,7 +43,7 @@ struct ORV_API GeometryGpuState {
   /// The CPU arrays were given up while the buffers stayed: drawing goes on from `released`, and
   /// updates send nothing. Any later allocation or freeing ends this.
   bool cpu_released = false;
-  GeometryGpuLayout released;
+  GeometryGpuLayout released;  ///< what the buffers hold, as noted when they were filled
 };
 
 }  // namespace orv
