@@ -5,6 +5,10 @@
 #include <orv/render/renderer.h>
 #include <orv/scene/node.h>
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+
 #include "geometry/mesh_user_geometry.h"
 
 namespace orv {
@@ -141,7 +145,10 @@ bool Mesh::alloc_face_data_v2(unsigned int count, MESH_FACE_TRIANGLE_TYPE type) 
 }
 
 void Mesh::set_draw_start_end_vertex(int start, int end) {
-  if (mesh_data_) mesh_data_->set_vertex_draw_range(start, end - start);
+  if (!mesh_data_) return;
+  const std::int64_t count = static_cast<std::int64_t>(end) - start;
+  mesh_data_->set_vertex_draw_range(
+      start, static_cast<int>(std::clamp<std::int64_t>(count, INT_MIN, INT_MAX)));
 }
 
 // ---- life ----

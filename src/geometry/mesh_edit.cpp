@@ -35,7 +35,7 @@ bool Mesh::copy_geometry(Mesh* src) {
   if (from == mesh_data_) return true;
   free_mesh_data();
   if (!mesh_data_->copy_vertex_data(from, true)) return false;
-  if (!mesh_data_->alloc_face_data(from->get_num_faces(), false)) return false;
+  if (!alloc_face_data(from->get_num_faces(), false)) return false;
   mesh_data_->copy_face_data(from, true);
   return true;
 }

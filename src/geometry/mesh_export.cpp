@@ -6,6 +6,7 @@
 
 #include "geometry/attrib_access.h"
 #include "geometry/face_access.h"
+#include "geometry/limits.h"
 
 namespace orv {
 
@@ -16,9 +17,13 @@ void write_vertices(std::FILE* file, MeshData& data, unsigned int count) {
   const AttribAccess positions(data, VERTEX_ATTRIB_POSITION);
   const AttribAccess normals(data, VERTEX_ATTRIB_NORMAL);
   const AttribAccess uvs(data, VERTEX_ATTRIB_UV0);
-  const unsigned int n_vertices =
-      std::max({positions.usable(count), normals.usable(count), uvs.usable(count)});
-  for (unsigned int i = 0; i < n_vertices; ++i) {
+  // A failed allocation may leave a count that no memory could hold: then only what is there.
+  constexpr unsigned int LARGEST = MAX_GEOMETRY_BYTES / sizeof(Vertex);
+  const unsigned int lines =
+      count <= LARGEST
+          ? count
+          : std::max({positions.usable(count), normals.usable(count), uvs.usable(count)});
+  for (unsigned int i = 0; i < lines; ++i) {
     const vec3 p = positions.get_vec3(i);
     const vec4 n = normals.get(i);
     const vec4 uv = uvs.get(i);

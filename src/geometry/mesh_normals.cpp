@@ -13,11 +13,11 @@ namespace orv {
 namespace {
 
 // Takes the vertices as a triangle list. False when they make no whole number of triangles.
-bool make_faces_of_list(MeshData& data) {
-  if (data.get_num_vertices() % 3 != 0) return false;
-  const unsigned int count = data.get_num_vertices() / 3;
-  if (!data.alloc_face_data(count, false)) return false;
-  FaceAccess faces(data);
+bool make_faces_of_list(Mesh& mesh) {
+  const unsigned int num_vertices = mesh.get_mesh_data()->get_num_vertices();
+  if (num_vertices % 3 != 0) return false;
+  if (!mesh.alloc_face_data(num_vertices / 3, false)) return false;
+  FaceAccess faces(*mesh.get_mesh_data());
   for (unsigned int i = 0; i < faces.size(); ++i) faces.set(i, 3 * i, 3 * i + 1, 3 * i + 2);
   return true;
 }
@@ -26,7 +26,7 @@ bool make_faces_of_list(MeshData& data) {
 
 bool Mesh::compute_faces_normal(Node* node) {
   if (!mesh_data_ || mesh_data_->indices) return false;
-  if (mesh_data_->get_num_faces() == 0 && !make_faces_of_list(*mesh_data_)) return false;
+  if (mesh_data_->get_num_faces() == 0 && !make_faces_of_list(*this)) return false;
 
   {
     const FaceAccess faces(*mesh_data_);

@@ -106,9 +106,8 @@ Vertex* Mesh::map_vertex_buffer(Renderer* renderer) {
 }
 
 vec4* Mesh::map_vertex_buffer_vec4(Renderer* renderer) {
-  if (!renderer || !mesh_data_ || !mesh_data_->has_separate_vertex_arrays()) return nullptr;
-  mesh_data_->mapped_ptr = renderer->gpu_buffer_map(mesh_data_->vb(), "GL_WRITE_ONLY");
-  return static_cast<vec4*>(mesh_data_->mapped_ptr);
+  if (!mesh_data_ || !mesh_data_->has_separate_vertex_arrays()) return nullptr;
+  return static_cast<vec4*>(static_cast<void*>(map_vertex_buffer(renderer)));
 }
 
 bool Mesh::unmap_vertex_buffer(Renderer* renderer) {

@@ -1,4 +1,5 @@
 #include <orv/geometry/geometry_core.h>
+#include <orv/geometry/mesh.h>
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,7 @@
 #include <new>
 
 #include "geometry/geometry_support.h"
+#include "support/held.h"
 #include "support/log_capture.h"
 #include "support/near.h"
 
@@ -56,7 +58,7 @@ bool alloc_failing(GeometryCore& core, VertexForm form, Failure kind, int after)
 }
 
 TEST(GeometryCoreExhausted, VerticesThatDontFitAreReported) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   EXPECT_FALSE(alloc_failing(core, VertexForm::INTERLEAVED, Failure::BAD_ALLOC, 0));
   EXPECT_TRUE(log.contains(
@@ -64,7 +66,7 @@ TEST(GeometryCoreExhausted, VerticesThatDontFitAreReported) {
 }
 
 TEST(GeometryCoreExhausted, UnknownFailureOfVerticesEndsWithADot) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   EXPECT_FALSE(alloc_failing(core, VertexForm::INTERLEAVED, Failure::UNKNOWN, 0));
   EXPECT_TRUE(
@@ -72,7 +74,7 @@ TEST(GeometryCoreExhausted, UnknownFailureOfVerticesEndsWithADot) {
 }
 
 TEST(GeometryCoreExhausted, UnknownFailureOfAnArrayEndsWithoutADot) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   GeometryCore core;
   {
     const FailingArrays failing(Failure::UNKNOWN, 0);
@@ -106,7 +108,7 @@ TEST(GeometryCoreExhausted, FailureAtAnyArrayLeavesASoundGeometry) {
 
 TEST(GeometryCoreExhausted, FacesThatDontFitLeaveNone) {
   for (int after = 0; after < 3; ++after) {
-    const LogCapture log;
+    const LogCapture log(LOG_LEVEL_ERROR);
     GeometryCore core;
     core.alloc_face_data(4, false);
     {
@@ -117,6 +119,36 @@ TEST(GeometryCoreExhausted, FacesThatDontFitLeaveNone) {
     EXPECT_EQ(core.faces_u16, nullptr);
     EXPECT_EQ(core.num_faces, 0u);
   }
+}
+
+TEST(GeometryCoreExhausted, FacesThatAMeshMakesItselfAreReportedWithItsName) {
+  const LogCapture log(LOG_LEVEL_ERROR);
+  const test::Held<Mesh> mesh;
+  mesh->set_name("rock");
+  mesh->set_vertex_alloc_params_num_vertices(6);
+  ASSERT_TRUE(mesh->alloc_vertex_data());
+  {
+    const FailingArrays failing(Failure::BAD_ALLOC, 0);
+    EXPECT_FALSE(mesh->compute_faces_normal(nullptr));
+  }
+  EXPECT_EQ(log.count("Mesh rock - faces memory allocation failed."), 1);
+  EXPECT_EQ(mesh->get_num_faces(nullptr), 0u);
+}
+
+TEST(GeometryCoreExhausted, ACopyWithoutItsFacesFails) {
+  const LogCapture log(LOG_LEVEL_ERROR);
+  const test::Held<Mesh> source;
+  source->set_vertex_alloc_params_num_vertices(3);
+  ASSERT_TRUE(source->alloc_vertex_data());
+  ASSERT_TRUE(source->alloc_face_data(1, false));
+  const test::Held<Mesh> copy;
+  copy->set_name("rock");
+  {
+    const FailingArrays failing(Failure::BAD_ALLOC, 9);
+    EXPECT_FALSE(copy->copy_geometry(source)) << "four arrays, the particles and four copies fit";
+  }
+  EXPECT_EQ(log.count("Mesh rock - faces memory allocation failed."), 1);
+  EXPECT_EQ(copy->get_num_vertices(nullptr), 3u);
 }
 
 TEST(GeometryCoreExhausted, QuadEdgesAndSubsetsThatDontFitAreFalse) {

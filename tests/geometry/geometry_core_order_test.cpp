@@ -1,4 +1,5 @@
 #include <orv/geometry/geometry_core.h>
+#include <orv/geometry/mesh.h>
 #include <orv/geometry/mesh_data.h>
 
 #include <gtest/gtest.h>
@@ -100,6 +101,16 @@ TEST(GeometryCoreOrder, TangentSubBufferStandsBeforeItsBuffer) {
 TEST(GeometryCoreOrder, OperationsOfMeshDataStandBehind) {
   EXPECT_EQ(vtable_slot(&MeshData::set_vertex_alloc_params), 70u);
   EXPECT_EQ(vtable_slot(&MeshData::get_vertex_alloc_params), 71u);
+}
+
+TEST(GeometryCoreOrder, MeshAddsNoOperationToThoseOfAnObject) {
+  struct BehindObject : Object {
+    virtual void next() {}
+  };
+  struct BehindMesh : Mesh {
+    virtual void next() {}
+  };
+  EXPECT_EQ(vtable_slot(&BehindMesh::next), vtable_slot(&BehindObject::next));
 }
 
 }  // namespace

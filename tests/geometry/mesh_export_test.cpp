@@ -9,6 +9,7 @@
 
 #include "geometry/mesh_support.h"
 #include "support/held.h"
+#include "support/log_capture.h"
 
 namespace orv {
 namespace {
@@ -69,6 +70,31 @@ TEST_F(MeshExport, EmptyMeshHasEmptyLists) {
   EXPECT_EQ(text(), std::string(HEAD) +
                         "\n\nstatic MeshVertex vertices_list[] = {\n};"
                         "\n\nstatic MeshFace faces_list[] = {\n};");
+}
+
+TEST_F(MeshExport, VerticesWithoutAttributesAreWrittenAsZeros) {
+  mesh->get_data()->alloc_params.std_vertex_attribs = false;
+  mesh->set_vertex_alloc_params_num_vertices(2);
+  ASSERT_TRUE(mesh->alloc_vertex_data());
+  EXPECT_TRUE(mesh->export_to_c(path.c_str()));
+  const std::string line =
+      "\n\t{0.000000f,0.000000f,0.000000f,0.000000f,0.000000f,0.000000f,0.000000f,0.000000f},";
+  EXPECT_NE(text().find("vertices_list[] = {" + line + line + "\n};"), std::string::npos);
+}
+
+TEST_F(MeshExport, CountThatNoMemoryHoldsIsNotWritten) {
+  const test::LogCapture log;
+  mesh->set_vertex_alloc_params_num_vertices(0xFFFFFFFFu);
+  ASSERT_FALSE(mesh->alloc_vertex_data());
+  ASSERT_EQ(mesh->get_num_vertices(nullptr), 0xFFFFFFFFu);
+  EXPECT_TRUE(mesh->export_to_c(path.c_str()));
+  EXPECT_NE(text().find("vertices_list[] = {\n};"), std::string::npos);
+}
+
+TEST_F(MeshExport, WithoutDataNoFileIsMade) {
+  mesh->cleanup_mesh_data(nullptr);
+  EXPECT_FALSE(mesh->export_to_c(path.c_str()));
+  EXPECT_FALSE(std::ifstream(path).is_open());
 }
 
 TEST_F(MeshExport, GenericIndicesAreWrittenAsZeros) {

@@ -123,6 +123,48 @@ TEST_F(MeshRender, FixedColorsAreSetWhenTheMaterialAsksForThem) {
   EXPECT_EQ(renderer.count("gpu_program_bind"), 0);
 }
 
+TEST_F(MeshRender, StepsOfADrawFollowInTheirOrder) {
+  class Steps : public Mesh {
+   public:
+    explicit Steps(RecordingRenderer& recorder) : recorder_(recorder) {}
+    void set_opengl_2_3_rendering_states(bool, Node*) override { note(1); }
+    void bind_gpu_program_uniforms(Renderer*, GpuProgramData*, bool) override { note(2); }
+    void render_geometry(Renderer*) override { note(3); }
+
+   private:
+    // A call that drawing never makes marks the place.
+    void note(unsigned int step) { recorder_.set_viewport(step, 0, 0, 0, 0); }
+    RecordingRenderer& recorder_;
+  };
+  const Held<Steps> steps(renderer);
+  auto* material = new Material;
+  material->add_texture(new Texture);
+  material->set_use_fixed_material_colors_state(true);
+  steps->add_material(material, nullptr);
+  const auto order = [&] {
+    renderer.clear();
+    steps->_render(&renderer);
+    std::vector<std::string> seen;
+    for (const std::string& call : renderer.calls()) {
+      const std::string name = call.substr(0, call.find('('));
+      const bool texture = name == "texture_bind" || name == "texture_unbind";
+      if (name == "texture_update_2d") continue;  // pixels that go along with the first binding
+      seen.push_back(texture ? name : call);
+    }
+    return seen;
+  };
+  EXPECT_THAT(order(), ElementsAre("texture_bind", testing::StartsWith("material_set_all"),
+                                   "get_current_gpu_program()", "enable_texture_2d(true)",
+                                   "set_viewport(2, 0, 0, 0, 0)", "set_viewport(3, 0, 0, 0, 0)",
+                                   "texture_unbind", "enable_texture_2d(false)"));
+  material->set_gpu_program(program);
+  EXPECT_THAT(order(), ElementsAre("gpu_program_bind(program)", "texture_bind",
+                                   testing::StartsWith("material_set_all"),
+                                   "get_current_gpu_program()", "set_viewport(1, 0, 0, 0, 0)",
+                                   "set_viewport(2, 0, 0, 0, 0)", "set_viewport(3, 0, 0, 0, 0)",
+                                   "gpu_program_bind(null)", "texture_unbind"));
+}
+
 TEST_F(MeshRender, ProgramDecidesAboutTheRenderingStates) {
   add_material(true);
   program->get_data_ptr()->use_generic_vertex_attribs = false;

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 
 #include "geometry/geometry_support.h"
@@ -90,7 +91,6 @@ TEST(Mesh, WithoutDataEveryAnswerIsEmpty) {
   EXPECT_EQ(mesh->map_vertex_buffer(&renderer), nullptr);
   EXPECT_FALSE(mesh->unmap_vertex_buffer(&renderer));
   EXPECT_EQ(mesh->get_vertex_buffer_opengl_id(), 0u);
-  EXPECT_FALSE(mesh->export_to_c("/tmp/never"));
   EXPECT_FALSE(mesh->voxelize(1, 1, 1, 0));
   EXPECT_FALSE(mesh->_user_geometry_build());
   mesh->_render(&renderer);
@@ -129,6 +129,27 @@ TEST(Mesh, LastReleaseDestroysTheGpuSideWithARenderer) {
   EXPECT_TRUE(second->cleanup_mesh_data(&renderer));
   EXPECT_EQ(renderer.count("geometry_vbo_destroy"), 1);
   EXPECT_EQ(second->get_data(), nullptr);
+}
+
+TEST(Mesh, ReferencesOfSharedDataGoToZeroBeforeTheGpuSideGoes) {
+  class Watched : public RecordingRenderer {
+   public:
+    bool geometry_vbo_destroy(GeometryCore* geometry) override {
+      last_count = geometry->get_ref();
+      return RecordingRenderer::geometry_vbo_destroy(geometry);
+    }
+    int last_count = -1;
+  };
+  Watched renderer;
+  const Held<Mesh> second;
+  const Held<Mesh> first;
+  second->share_mesh_data(nullptr, first);
+  ASSERT_EQ(first->get_data()->get_ref(), 2);
+  first->cleanup_mesh_data(&renderer);
+  EXPECT_EQ(second->get_data()->get_ref(), 1);
+  EXPECT_EQ(renderer.last_count, -1) << "still in use";
+  second->cleanup_mesh_data(&renderer);
+  EXPECT_EQ(renderer.last_count, 0);
 }
 
 TEST(Mesh, WithoutARendererTheGpuSideIsNotTouched) {
@@ -218,7 +239,7 @@ TEST(Mesh, CopyOntoItselfChangesNothing) {
 // ---- allocation ----
 
 TEST(Mesh, NoVerticesIsReportedWithNameAndId) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   const Held<Mesh> mesh;
   mesh->set_name("rock");
   EXPECT_FALSE(mesh->alloc_vertex_data());
@@ -227,7 +248,7 @@ TEST(Mesh, NoVerticesIsReportedWithNameAndId) {
 }
 
 TEST(Mesh, TooManyVerticesAreReportedWithNameIdAndCount) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   const Held<Mesh> mesh;
   mesh->set_name("rock");
   mesh->set_vertex_alloc_params_num_vertices(0xFFFFFFFFu);
@@ -238,7 +259,7 @@ TEST(Mesh, TooManyVerticesAreReportedWithNameIdAndCount) {
 }
 
 TEST(Mesh, TooManyFacesAreReportedWithTheName) {
-  const LogCapture log;
+  const LogCapture log(LOG_LEVEL_ERROR);
   const Held<Mesh> mesh;
   mesh->set_name("rock");
   EXPECT_FALSE(mesh->alloc_face_data(0xFFFFFFFFu, false));
@@ -272,6 +293,14 @@ TEST(Mesh, DrawRangeCountsToTheEndVertex) {
   mesh->set_draw_start_end_vertex(5, 12);
   EXPECT_EQ(mesh->get_data()->get_draw_start(), 5);
   EXPECT_EQ(mesh->get_data()->get_draw_count(), 7);
+}
+
+TEST(Mesh, DrawRangeOfFarApartVerticesStaysANumber) {
+  const Held<Mesh> mesh;
+  mesh->set_draw_start_end_vertex(INT_MIN, INT_MAX);
+  EXPECT_EQ(mesh->get_data()->get_draw_count(), INT_MAX);
+  mesh->set_draw_start_end_vertex(INT_MAX, INT_MIN);
+  EXPECT_EQ(mesh->get_data()->get_draw_count(), INT_MIN);
 }
 
 TEST(Mesh, OneArrayCanBeFreed) {

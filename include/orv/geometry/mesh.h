@@ -46,7 +46,7 @@ class ORV_API Mesh : public Object {
   bool cleanup_mesh_data(Renderer* renderer);
   /// Destroys the GPU objects (`clear_gpu`, needs a renderer) and frees the arrays (`clear_cpu`);
   /// the data itself stays attached. With the arrays freed alone, drawing goes on from the GPU
-  /// copy. True.
+  /// copy. False without data.
   bool clear_cpu_gpu_data(Renderer* renderer, bool clear_cpu, bool clear_gpu);
   /// The data, null for none. Borrowed.
   MeshData* get_data() const { return mesh_data_; }
@@ -56,6 +56,7 @@ class ORV_API Mesh : public Object {
   /// Frees the storage of attribute array `array`. False without it.
   bool free_vertex_attrib_array(unsigned int array);
 
+  /// What alloc_vertex_data will allocate. False, defaults or nothing without data.
   bool set_vertex_alloc_params(const MeshDataVertexAttribsAllocParams& params);
   MeshDataVertexAttribsAllocParams get_vertex_alloc_params() const;
   void set_vertex_alloc_params_num_vertices(unsigned int n);
@@ -63,7 +64,8 @@ class ORV_API Mesh : public Object {
   /// Allocates what the alloc params say. False, with an error in the log, for 0 vertices or too
   /// little memory.
   bool alloc_vertex_data();
-  /// As GeometryCore::alloc_face_data; a failure is logged with the mesh's name.
+  /// As GeometryCore::alloc_face_data and its second form; a failure is logged with the mesh's
+  /// name.
   bool alloc_face_data(unsigned int count, bool force_32);
   bool alloc_face_data_v2(unsigned int count, MESH_FACE_TRIANGLE_TYPE type);
   /// Draws the vertices `start` to `end` - 1 when there are no faces.
@@ -71,6 +73,7 @@ class ORV_API Mesh : public Object {
 
   // ---- life and drawing ----
 
+  /// Lets go of the data, the materials and the program. True.
   bool _cleanup(Renderer* renderer) override;
   /// Builds gathered user geometry when the mesh is dirty, then bounds. False when that fails.
   bool _build() override;
@@ -78,12 +81,14 @@ class ORV_API Mesh : public Object {
   void _render(Renderer* renderer) override;
   /// Id of the renderer that allocated the vertex buffer.
   int get_renderer_id() override;
+  /// Prepares, draws and finishes: creates, updates and binds the buffers, draws, unbinds them.
   void render_geometry(Renderer* renderer) override;
   void render_geometry_prepare(Renderer* renderer) override;
   void render_geometry_draw(Renderer* renderer) override;
   void render_geometry_finish(Renderer* renderer) override;
   /// Draws as patches.
   void set_tessellation_state(bool state, Node* node) override;
+  /// Kept for renderers that draw the quad edges of shapes; false without data.
   void set_render_wireframe_quad_state(bool state);
   bool get_render_wireframe_quad_state() const;
 
@@ -95,7 +100,7 @@ class ORV_API Mesh : public Object {
   /// Makes one subset per material of the object, spanning its first to its last face. A material
   /// on fewer than two faces gets an empty subset, which draws nothing. False without data.
   bool init_subsets();
-  unsigned int get_num_subsets() const;
+  unsigned int get_num_subsets() const;  ///< 0 before init_subsets
   /// Draw, or run the geometry steps, for subset `i` alone. False for an index out of range.
   bool render_subset(Renderer* renderer, unsigned int i);
   bool render_subset_geometry(Renderer* renderer, unsigned int i);
@@ -103,23 +108,29 @@ class ORV_API Mesh : public Object {
 
   // ---- buffers ----
 
+  /// Numbers of the buffers in the graphics API, 0 while there are none.
   unsigned int get_vertex_buffer_opengl_id() const;
   unsigned int get_index_buffer_opengl_id() const;
   /// Maps the vertex buffer for writing; null without a renderer.
   Vertex* map_vertex_buffer(Renderer* renderer);
   /// The same for separate arrays; null unless the data has these.
   vec4* map_vertex_buffer_vec4(Renderer* renderer);
+  /// Ends the mapping; false without a renderer.
   bool unmap_vertex_buffer(Renderer* renderer);
   /// Address of the last mapping, null while unmapped.
   void* get_map_vertex_buffer() const;
 
   // ---- vertices ----
 
+  /// Counts of this mesh alone, whatever `node` is.
   unsigned int get_num_vertices(Node* node) override;
   unsigned int get_num_faces(Node* node) override;
+  /// Vertex `i` of interleaved data, borrowed; null for separate arrays and out of range.
   Vertex* get_vertex(unsigned int i) override;
+  /// Vertex `i` by value, a default one out of range.
   Vertex get_vertex_v2(unsigned int i) override;
 
+  /// Setters are false, and getters give (0, 0, 0, 1), out of range and without the attribute.
   bool set_vertex_position(unsigned int i, const vec4& v);
   /// x, y, z and w 1.
   vec4 get_vertex_position(unsigned int i) const;
@@ -139,6 +150,7 @@ class ORV_API Mesh : public Object {
   void set_vertex_uv(unsigned int i, const vec4& uv, int layer);
   /// Layer 1 is uv1, any other uv0.
   vec4 get_vertex_uv(unsigned int i, int layer) const;
+  /// Element `i` of attribute array `array`; as the setters and getters above.
   void set_vertex_attrib_element(unsigned int array, unsigned int i, const vec4& v);
   vec4 get_vertex_attrib_element(unsigned int array, unsigned int i) const;
   /// Copies vec4s into the named attribute, as GeometryCore::update_position_buffer and its kin.
@@ -164,12 +176,14 @@ class ORV_API Mesh : public Object {
   bool compute_vertices_normal(Node* node) override;
   /// Vertices within `eps` on all three axes get their average normal.
   bool average_vertices_normal(float eps, Node* node) override;
+  /// Swaps the first and the last index of every face; a generic index list stays as it is.
   void flip_faces(Node* node) override;
+  /// Turns every normal round.
   void flip_vertex_normals(Node* node) override;
 
-  // ---- all vertices at once ----
-  //
-  // A mesh without vertices stops the first three at once, before its children.
+  /// @name All vertices at once
+  /// A mesh without vertices stops moving, scaling and rotating at once, before its children.
+  /// @{
 
   using Object::rotate_vertices_position;
   using Object::set_vertices_color;
@@ -182,8 +196,11 @@ class ORV_API Mesh : public Object {
   void rotate_vertices_position(float x, float y, float z, Node* node) override;
   void set_vertices_color(float r, float g, float b, float a, Node* node) override;
   void set_vertices_color(const vec4& color, Node* node) override;
+  /// @}
 
+  /// Bounds of all positions, then those of the children. False without vertices.
   bool bounding_volume_compute(Node* node) override;
+  /// The same as bounding_volume_compute.
   bool update_bounding_sphere(Node* node) override;
 
   // ---- geometry from elsewhere ----
@@ -211,6 +228,7 @@ class ORV_API Mesh : public Object {
   bool user_geometry_set_vertex_color(unsigned int i, const vec4& v);
   bool user_geometry_set_vertex_normal(unsigned int i, const vec4& v);
   bool user_geometry_set_vertex_uv0(unsigned int i, const vec4& v);
+  /// Adds a face of three vertex indices. True.
   bool user_geometry_add_face32(unsigned int a, unsigned int b, unsigned int c);
   /// Drops what was gathered. False when there is nothing.
   bool user_geometry_cleanup();
