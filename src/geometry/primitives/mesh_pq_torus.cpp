@@ -39,17 +39,15 @@ bool MeshPQTorus::_build() {
 }
 
 bool MeshPQTorus::_build_pq_torus() {
-  if (u_steps_ < 1 || v_steps_ < 1) return false;
+  if (u_steps_ < 1 || v_steps_ < 1) return begin_shape(*this, 0);
   const std::uint64_t u_steps = static_cast<std::uint64_t>(u_steps_);
   const std::uint64_t v_steps = static_cast<std::uint64_t>(v_steps_);
   // One vertex more than is ever written.
   if (!begin_shape(*this, (v_steps + 1) * (u_steps + 1) + 1)) return false;
-  const std::uint64_t num_indices = (u_steps + 1) * v_steps * 2;
-  if (num_indices > 0xFFFFFFFFu) return false;
-  if (!alloc_face_data_v2(static_cast<unsigned int>(num_indices), MESH_FACE_TRIANGLE_STRIP)) {
-    return false;
-  }
-  write_indices(static_cast<unsigned int>(num_indices));
+  // Fewer than twice the vertices, of which there is room for 2^27.
+  const auto num_indices = static_cast<unsigned int>((u_steps + 1) * v_steps * 2);
+  if (!alloc_face_data_v2(num_indices, MESH_FACE_TRIANGLE_STRIP)) return false;
+  write_indices(num_indices);
   write_rings();
   return true;
 }

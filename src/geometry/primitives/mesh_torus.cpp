@@ -27,7 +27,7 @@ bool MeshTorus::_build() {
 }
 
 bool MeshTorus::_build_torus() {
-  if (slices_ < 0) return false;
+  if (slices_ < 0) return begin_shape(*this, 0);
   const std::uint64_t slices = static_cast<std::uint64_t>(slices_);
   if (!begin_shape(*this, (slices + 1) * (slices + 1), slices * slices * 2)) return false;
   MeshData& data = *get_mesh_data();

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "geometry/primitives/shape_support.h"
+#include "support/log_capture.h"
 
 namespace orv {
 namespace {
@@ -90,13 +91,18 @@ TEST(MeshPQTorus, TextureCoordinatesTile) {
 }
 
 TEST(MeshPQTorus, NeedsAtLeastOneStepEachWay) {
+  const test::LogCapture log(LOG_LEVEL_ERROR);
   for (const int steps : {0, -1, -2000000000}) {
     const Held<MeshPQTorus> knot;
+    ASSERT_TRUE(knot->_build());
     knot->set_build_params(steps, 8, 1, 1, 1, 1, 1, 1, 1, 2, 3);
     EXPECT_FALSE(knot->_build()) << steps;
+    EXPECT_EQ(knot->get_num_vertices(nullptr), 0u) << "the old geometry is gone";
+    EXPECT_EQ(knot->get_data()->indices, nullptr);
     knot->set_build_params(8, steps, 1, 1, 1, 1, 1, 1, 1, 2, 3);
     EXPECT_FALSE(knot->_build()) << steps;
   }
+  EXPECT_EQ(log.count("number of vertices is 0."), 6);
   const Held<MeshPQTorus> smallest;
   smallest->set_build_params(1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 3);
   EXPECT_TRUE(smallest->_build());

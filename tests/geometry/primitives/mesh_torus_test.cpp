@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "geometry/primitives/shape_support.h"
+#include "support/log_capture.h"
 
 namespace orv {
 namespace {
@@ -68,8 +69,21 @@ TEST(MeshTorus, SlicesAreNotClamped) {
   EXPECT_EQ(torus->get_num_vertices(nullptr), 1u);
   EXPECT_EQ(torus->get_num_faces(nullptr), 0u);
   EXPECT_EQ(torus->get_vertex_position(0), vec4(5, 0, 0, 1));
-  torus->set_build_params(5, 2, -4);
-  EXPECT_FALSE(torus->_build());
+}
+
+TEST(MeshTorus, NegativeSlicesLeaveNoGeometry) {
+  const test::LogCapture log(LOG_LEVEL_ERROR);
+  for (const int slices : {-1, -4, -2147483647 - 1}) {
+    const Held<MeshTorus> torus;
+    ASSERT_TRUE(torus->_build());
+    torus->set_build_params(5, 2, slices);
+    EXPECT_FALSE(torus->_build());
+    EXPECT_EQ(torus->get_num_vertices(nullptr), 0u);
+    EXPECT_EQ(torus->get_num_faces(nullptr), 0u);
+    EXPECT_EQ(torus->get_slices(), slices);
+    EXPECT_FALSE(torus->get_build_state());
+  }
+  EXPECT_EQ(log.count("number of vertices is 0."), 3);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ class ORV_API MeshBox8v : public Mesh {
   MeshBox8v(const MeshBox8v& other);
   MeshBox8v& operator=(const MeshBox8v&) = default;
 
+  /// The sizes along X, Y and Z, for the next build. True.
   bool set_build_params(float width, float height, float depth);
   /// Stores the size and rewrites the positions at once. False without built geometry.
   bool update_params(float width, float height, float depth);

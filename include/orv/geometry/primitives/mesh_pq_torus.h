@@ -28,7 +28,7 @@ class ORV_API MeshPQTorus : public Mesh {
                         float twist_phase, float twist_amount, float u_tiling, float v_tiling,
                         float p, float q);
 
-  /// False for fewer than one step.
+  /// False, without any geometry, for fewer than one step.
   bool _build() override;
 
  private:

@@ -17,6 +17,7 @@ class ORV_API MeshQuad : public Mesh {
   MeshQuad(const MeshQuad& other);
   MeshQuad& operator=(const MeshQuad&) = default;
 
+  /// The sizes along X and Y, for the next build. True.
   bool set_build_params(float width, float height);
   /// Stores the size and rewrites the positions at once. False without built geometry.
   bool update_params(float width, float height);

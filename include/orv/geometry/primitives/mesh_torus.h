@@ -23,7 +23,7 @@ class ORV_API MeshTorus : public Mesh {
   float get_tube_radius() const { return tube_radius_; }
   int get_slices() const { return slices_; }
 
-  /// False for negative slices.
+  /// False, without any geometry, for negative slices.
   bool _build() override;
 
  private:

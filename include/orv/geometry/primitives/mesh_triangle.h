@@ -17,6 +17,7 @@ class ORV_API MeshTriangle : public Mesh {
   MeshTriangle(const MeshTriangle& other);
   MeshTriangle& operator=(const MeshTriangle&) = default;
 
+  /// The corners, counter-clockwise seen from the front, for the next build. True.
   bool set_build_params(const vec4& corner_a, const vec4& corner_b, const vec4& corner_c);
 
   /// Builds this triangle alone, not its children.
