@@ -20,4 +20,5 @@ for line in rows.read_text().splitlines() if rows.exists() else []:
         pointers = ", ".join(["void*"] * int(slot[3]))
         declarations += ["  /// Slot of other back ends.", f"  virtual {slot[1]} {slot[2]}({pointers});"]
     comment = []
+header = re.sub(r"#define ORV_(?:BASE_)?OP\((?:.*\\\n)*.*\n", "", header)
 print(header.replace("#include <orv/render/renderer_ops.inc>", "\n".join(declarations)))

@@ -3,8 +3,11 @@
 /// kin.
 #pragma once
 
+/// Changes when hosts have to be changed.
 #define ORV_VERSION_MAJOR 0
+/// Changes when hosts have to be built again; part of the name of the library.
 #define ORV_VERSION_MINOR 26
+/// Changes when neither is needed.
 #define ORV_VERSION_PATCH 1
 
 /// One number that grows with each version, for comparisons by the preprocessor.

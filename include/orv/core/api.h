@@ -2,6 +2,7 @@
 /// Marks what the shared library exports.
 #pragma once
 
+/// Marks what the library exports; everything else is hidden.
 #if defined(ORV_STATIC)
 #define ORV_API
 #elif defined(_WIN32)

@@ -44,14 +44,18 @@ class ORV_API Log {
   /// true.
   bool close();
 
+  /// @{
   /// Name of the file; null is ignored. Takes effect when the file is next opened.
   void set_filename(const char* filename);
   const char* get_filename() const;
+  /// @}
 
+  /// @{
   /// Master switch of all outlets.
   void enable();
   void disable();
   bool is_enabled() const;
+  /// @}
 
   /// Whether lines are printed to the standard output (off at first).
   void send_to_terminal(bool state);
@@ -61,9 +65,13 @@ class ORV_API Log {
   void set_append_mode(bool state);
   /// Whether the trace operations take the log's lock (on at first).
   void use_thread_lock(bool state);
+
+  /// @{
   /// Lines of a larger level are dropped.
   void set_trace_level_threshold(LOG_LEVEL level);
   LOG_LEVEL get_trace_level_threshold() const;
+  /// @}
+
   /// 0: date, time, line number and a tag of the level; 1: the time in parentheses; other: nothing.
   void set_trace_header_mode(int mode);
   /// The host's outlet and the pointer handed to it; a null callback switches it off.

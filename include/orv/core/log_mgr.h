@@ -17,8 +17,11 @@ struct LogMgrData;
 /// text is cut at 65,535 bytes. A line that no outlet would receive is not formatted at all.
 class ORV_API LogMgr {
  public:
+  /// @{
+  /// The one instance, made by the first call and never destroyed.
   static LogMgr& get();
   static LogMgr* getptr();
+  /// @}
 
   LogMgr(const LogMgr&) = delete;
   LogMgr& operator=(const LogMgr&) = delete;
@@ -28,6 +31,7 @@ class ORV_API LogMgr {
   bool start(const char* filename, bool enabled);
   /// Closes and destroys all logs. Always true.
   bool stop();
+  /// Whether start() was called and stop() was not.
   bool is_started() const;
 
   /// Makes a log that stays the manager's. It takes the place of an earlier log of the same name,
@@ -39,6 +43,7 @@ class ORV_API LogMgr {
   /// Null while the manager is stopped.
   Log* get_default_log() const;
 
+  /// @{
   /// A headed line in the default log at info, warning, error or debug level.
   void trace(const char* text);
   void trace_warning(const char* text);
@@ -48,10 +53,13 @@ class ORV_API LogMgr {
   void tracef_warning(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   void tracef_error(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   void tracef_debug(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
+  /// @}
 
+  /// @{
   /// A line without a header in the default log, at info level.
   void simple_trace(const char* text);
   void simple_tracef(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
+  /// @}
 
  private:
   LogMgr();

@@ -38,44 +38,71 @@ class ORV_API Plugin {
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
+  /// @{
   /// Send "[name] text" to the default log at info, warning, error or debug level. The text is cut
   /// at 4,095 bytes; a null format does nothing.
   virtual void tracef(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   virtual void tracef_warning(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   virtual void tracef_error(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
   virtual void tracef_debug(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
+  /// @}
 
+  /// @{
   /// Each sets or clears its flag, with a debug line when the flag changes. Always true here.
   virtual bool initialize();
   virtual bool terminate();
   virtual bool start();
   virtual bool stop();
+  /// @}
 
+  /// Whether initialize() was called and terminate() was not.
   bool is_initialized() const { return initialized_; }
+  /// Whether start() was called and stop() was not.
   bool is_started() const { return started_; }
 
+  /// @{
   /// Identity within the process.
   int getid() const;
   int get_id() const;
+  /// @}
+
+  /// @{
+  /// Texts that the plugin tells of itself, never null; borrowed, valid until they are set again.
   const char* get_name() const;
   const char* get_description() const;
   const char* get_author() const;
   const char* get_build_info() const;
+  /// @}
+
+  /// @{
+  /// Version that the plugin tells of itself, 0 at first.
   int get_version_major() const;
   int get_version_minor() const;
   int get_version_patch() const;
+  /// @}
+
+  /// What the plugin is; PLUGIN_TYPE_UNKNOWN until its constructor said so.
   PLUGIN_TYPE get_type() const;
 
+  /// @{
   /// Path that the module was loaded from, at most 1,023 bytes; "" for a core plugin.
   const char* get_full_filename() const;
   void set_full_filename(const char* filename);
+  /// @}
+
+  /// @{
   /// Handle of the module, null for a core plugin.
   void* get_dynlib_handle() const;
   void set_dynlib_handle(void* handle);
+  /// @}
+
+  /// @{
   /// A mark for hosts; the library never sets it.
   bool get_core_plugin_state() const;
   void set_core_plugin_state(bool state);
+  /// @}
 
+  /// References held, by PluginMgr's list and by others.
   int get_ref() const;
   /// Adds one reference; returns the count.
   int add_ref();
@@ -86,10 +113,15 @@ class ORV_API Plugin {
   /// count.
   int release();
 
+  /// @{
   /// The thread that made the plugin or last called update_thread(). A record only.
   Thread get_thread() const;
   Thread* get_thread_ptr();
+  /// @}
+
+  /// Records the calling thread.
   void update_thread();
+  /// Whether the calling thread is the recorded one.
   bool check_thread() const;
 
   /// A further object of the module, made by "ORV_create_plugin"; null when there is no such
@@ -99,16 +131,21 @@ class ORV_API Plugin {
   bool kill_instance(void* instance);
 
  protected:
+  /// @{
   /// Each copies its text, cut at 127 characters (description: 255); null is ignored.
   void set_name(const char* name);
   void set_description(const char* description);
   void set_author(const char* author);
   void set_build_info(const char* build_info);
+  /// @}
+
+  /// Version told by get_version_major() and its kin.
   void set_version(int major_version, int minor_version, int patch_version);
+  /// What the plugin is; for constructors of derived classes.
   void set_type(PLUGIN_TYPE type);
 
-  bool initialized_ = false;
-  bool started_ = false;
+  bool initialized_ = false;  ///< set by initialize(), cleared by terminate()
+  bool started_ = false;      ///< set by start(), cleared by stop()
 
  private:
   PluginData* data_;

@@ -17,9 +17,13 @@ class ORV_API Thread {
   /// Copies both values of another record.
   void set(const Thread& other);
 
+  /// @{
   /// Whether both records name the same thread; handles are not compared.
   bool is_equal(const Thread& other) const;
   bool operator==(const Thread& other) const { return is_equal(other); }
+  /// @}
+
+  /// Whether the two name different threads.
   bool operator!=(const Thread& other) const { return !is_equal(other); }
 
   /// Identifier of the thread within the system. The name is that of the first platform.

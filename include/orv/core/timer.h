@@ -19,10 +19,12 @@ class ORV_API Timer {
   /// Elapsed time. A jump of the fine counter of more than 100 ms against the coarse clock is taken
   /// out.
   unsigned int getMilliseconds();
+  /// The same in microseconds.
   unsigned int getMicroseconds();
 
   /// Processor time that the process used, in the granularity of a float.
   unsigned int getMillisecondsCPU() const;
+  /// The same in microseconds.
   unsigned int getMicrosecondsCPU() const;
 
  private:

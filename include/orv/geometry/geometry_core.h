@@ -94,6 +94,7 @@ class ORV_API GeometryCore {
   /// Position, uv0, normal and colour are looked up in arrays 0 to 3 or, in the interleaved form,
   /// in the vertex. The second texture coordinates and the tangent belong to derived classes: here
   /// they are 0 and null.
+
   /// @{
 
   /// Bytes of the attribute's array; 0 for interleaved geometry, which has no such array.
@@ -140,8 +141,11 @@ class ORV_API GeometryCore {
   ///
   /// The second texture coordinates and the tangent belong to derived classes: here they are
   /// missing.
+
   /// @{
 
+  /// Copies a vec4 for each vertex over the positions, see above; the 3 below the same for the
+  /// other attributes.
   virtual bool update_position_buffer(const void* vec4_data);
   virtual bool update_position_subbuffer(const void* vec4_data, unsigned int start,
                                          unsigned int count);
@@ -188,18 +192,24 @@ class ORV_API GeometryCore {
 
   /// Number of this geometry, unlike that of any other.
   int getid() const { return id; }
+  /// Vertices allocated.
   unsigned int get_num_vertices() const { return num_vertices; }
   /// Faces of three; the number of indices of a generic list.
   unsigned int get_num_faces() const { return num_faces; }
   /// 0 when it is not drawn instanced.
   unsigned int get_num_instances() const { return num_instances; }
 
+  /// @{
   /// How vertices or indices are assembled when drawn.
   PRIMITIVE_TYPE get_primitive_type() const { return primitive_type; }
   void set_primitive_type(PRIMITIVE_TYPE type) { primitive_type = type; }
+  /// @}
+
+  /// @{
   /// A number carried for the host; it changes nothing about the vertices.
   VERTEX_FORMAT get_vertex_format() const { return vertex_format; }
   void set_vertex_format(VERTEX_FORMAT format) { vertex_format = format; }
+  /// @}
 
   int get_vertex_alignment() const { return vertex_alignment; }  ///< bytes, as allocated
   /// Which of the two forms the last allocation made.
@@ -207,34 +217,45 @@ class ORV_API GeometryCore {
   /// Whether the last allocation made position, uv0, normal and colour.
   bool has_std_vertex_attribs() const { return std_vertex_attribs; }
 
+  /// @{
   /// First vertex and number of vertices to draw when there are no faces.
   void set_vertex_draw_range(int start, int count);
   int get_draw_start() const { return draw_start; }
   int get_draw_count() const { return draw_count; }
+  /// @}
 
+  /// @{
   /// Whether the attributes go to the arrays of the fixed pipeline. Setting it changes it alone.
   bool use_gl2_built_in_vertex_attribs_get_state() const { return use_gl2_built_in_vertex_attribs; }
   void use_gl2_built_in_vertex_attribs_set_state(bool state) {
     use_gl2_built_in_vertex_attribs = state;
   }
+  /// @}
+
   /// Whether the attributes go to their locations in the bound program.
   bool get_use_generic_vertex_attribs_state() const { return use_generic_vertex_attribs; }
   /// Also sets the built-in attributes to the opposite.
   void set_use_generic_vertex_attribs_state(bool state);
 
+  /// @{
   /// Whether points are drawn as sprites.
   bool get_point_sprite_state() const { return point_sprite; }
   void set_point_sprite_state(bool state) { point_sprite = state; }
+  /// @}
 
   /// References are only counted here; who counts one down to 0 deletes the geometry.
   void inc_ref() { ++ref_count; }
   /// Stops at 0.
   void dec_ref();
+  /// References counted.
   int get_ref() const { return ref_count; }
 
+  /// @{
   /// The thread that made the geometry or uploaded it.
   Thread get_thread() const { return thread; }
   Thread* get_thread_ptr() { return &thread; }
+  /// @}
+
   /// Records the calling thread.
   void update_thread();
   /// True when called from the recorded thread.
@@ -248,8 +269,10 @@ class ORV_API GeometryCore {
   GpuBufferData* get_vb_source() const { return vb_source; }
   /// Draws from `buffer`, which stays its owner's; null goes back to the own buffer.
   void set_vb_source(GpuBufferData* buffer);
+  /// Whether an external buffer is drawn from.
   bool is_external_vb_source() const { return vb_source != vb_; }
 
+  /// @{
   /// Flags of renderers: whether the vertex and the index buffer hold what the arrays hold, and
   /// whether faces changed since.
   bool is_vb_uploaded() const { return vb_uploaded; }
@@ -259,7 +282,9 @@ class ORV_API GeometryCore {
   unsigned int get_ibo() const { return ibo; }  ///< index buffer of the graphics API, 0 for none
   bool is_ib_update_faces_list_needed() const { return ib_update_faces_list_needed; }
   void ib_update_faces_list_set_state(bool state) { ib_update_faces_list_needed = state; }
+  /// @}
 
+  /// @{
   /// What the buffers are created as, and the usage hinted to the graphics API.
   GPU_BUFFER_TYPE get_vertex_buffer_type() const { return vertex_buffer_type; }
   void set_vertex_buffer_type(GPU_BUFFER_TYPE type) { vertex_buffer_type = type; }
@@ -267,15 +292,18 @@ class ORV_API GeometryCore {
   void set_vertex_buffer_usage(BUFFER_OBJECT_USAGE usage) { vertex_buffer_usage = usage; }
   BUFFER_OBJECT_USAGE get_index_buffer_usage() const { return index_buffer_usage; }
   void set_index_buffer_usage(BUFFER_OBJECT_USAGE usage) { index_buffer_usage = usage; }
+  /// @}
 
   // ---- allocation parameters ----
 
+  /// @{
   /// What the next alloc_vertex_data will do; the pointer is never null.
   const GeometryCoreAllocParams& get_alloc_params() const { return alloc_params; }
   GeometryCoreAllocParams* get_alloc_params_ptr() { return &alloc_params; }
   void set_alloc_params(const GeometryCoreAllocParams& params) { alloc_params = params; }
   void set_alloc_params_num_vertices(unsigned int n) { alloc_params.num_vertices = n; }
   void set_alloc_params_num_user_attribs(unsigned int n) { alloc_params.num_user_attribs = n; }
+  /// @}
 
   // ---- vertex memory as the vertex buffer holds it ----
   //
@@ -292,11 +320,14 @@ class ORV_API GeometryCore {
   bool is_update_interleaved_vertex_array_needed() const;
   /// True marks the whole block for upload, false says that the GPU copy is up to date.
   void update_interleaved_vertex_array_set_state(bool state);
+  /// Whether any attribute array is marked for upload.
   bool is_update_separate_vertex_arrays_needed() const;
+  /// Whether anything is marked for upload.
   bool is_update_vertex_buffer_needed() const;
   /// What the next upload of the interleaved block has to send, in vertices; both 0 for nothing.
   void get_dirty_interleaved_vertices(unsigned int* begin, unsigned int* end) const;
 
+  /// @{
   /// Copy to or from a block of get_total_vertex_buffer_size bytes. Reading marks for upload.
   /// The interleaved forms are false without an interleaved array or for null, the separate ones
   /// for null alone; the whole ones are always true.
@@ -306,6 +337,7 @@ class ORV_API GeometryCore {
   bool interleaved_vertex_array_from_memory(const void* p);
   bool separate_vertex_arrays_from_memory(const void* p);
   bool vertex_arrays_from_memory(const void* p);
+  /// @}
 
   // ---- attribute arrays ----
 
@@ -331,16 +363,21 @@ class ORV_API GeometryCore {
   /// Separate arrays: names array `i` (null and "" keep the name) and sets its location; true.
   bool assign_vertex_attrib_name_and_location(unsigned int i, const char* attrib_name, int loc);
   int get_position_attrib_location() const;  ///< -1 without the attribute
+
+  /// @{
+  /// -1 without the attribute, as always for the second texture coordinates.
   int get_uv0_attrib_location() const;
   int get_normal_attrib_location() const;
   int get_color_attrib_location() const;
   int get_uv1_attrib_location() const { return -1; }
+  /// @}
 
   /// Elements of array `i`; null unless they have four components.
   vec4* get_vertex_attrib_buffer(unsigned int i);
   /// The same as floats.
   float* get_vertex_attrib_buffer_float_ptr(unsigned int i);
 
+  /// @{
   /// Element `i` of array `array`. Setters are false, and getters give (0, 0, 0, 1) or (0, 0, 0),
   /// without the array or out of range. Three components are stored with w 1.
   bool set_vertex_attrib_element(unsigned int array, unsigned int i, const vec4& v);
@@ -349,11 +386,14 @@ class ORV_API GeometryCore {
                                  float w);
   vec4 get_vertex_attrib_element(unsigned int array, unsigned int i) const;
   vec3 get_vertex_attrib_element_vec3(unsigned int array, unsigned int i) const;
+  /// @}
 
+  /// @{
   /// As update_position_buffer and update_position_subbuffer, for any array.
   bool update_vertex_attrib_buffer(unsigned int array, const void* vec4_data);
   bool update_vertex_attrib_subbuffer(unsigned int array, const void* vec4_data, unsigned int start,
                                       unsigned int count);
+  /// @}
 
   // ---- faces ----
 
@@ -361,6 +401,7 @@ class ORV_API GeometryCore {
   /// the current index width or out of range. Does not mark the index buffer.
   bool set_face_indices(unsigned int face, unsigned int a, unsigned int b, unsigned int c);
 
+  /// @{
   /// The arrays of faces; null when there are none of the kind. The geometry stays the owner.
   FaceU16* get_faces_u16_ptr() { return faces_u16; }
   FaceU32* get_faces_u32_ptr() { return faces_u32; }
@@ -368,6 +409,8 @@ class ORV_API GeometryCore {
   vec4* get_face_normals_ptr() { return face_normals; }
   unsigned int* get_face_materials_ptr() { return face_materials; }
   unsigned int* get_quad_edges_ptr() { return quad_edges; }
+  /// @}
+
   unsigned int get_num_quad_edges() const { return num_quad_edges; }  ///< number of indices
   int get_index_bits() const { return index_bits; }                   ///< 16 or 32
 
@@ -375,9 +418,13 @@ class ORV_API GeometryCore {
 
   /// All subsets, null for none. The geometry stays the owner.
   MaterialSubset* get_subsets_ptr() { return subsets; }
+
+  /// @{
   /// The subset being drawn, null outside of a subset's drawing.
   MaterialSubset* get_current_subset() { return current_subset; }
   void set_current_subset(MaterialSubset* subset) { current_subset = subset; }
+  /// @}
+
   /// Frees the subsets and makes `count` empty ones; false when they don't fit in memory.
   bool alloc_subsets(unsigned int count);
   /// Also ends the current subset.
@@ -400,55 +447,60 @@ class ORV_API GeometryCore {
 
   // ---- record ----
 
-  GeometryCoreAllocParams alloc_params;  ///< what alloc_vertex_data will do
-  PRIMITIVE_TYPE primitive_type = PRIMITIVE_TRIANGLES;
-  GpuBufferData* vb_ = nullptr;        ///< own vertex buffer record
+  GeometryCoreAllocParams alloc_params;                 ///< what alloc_vertex_data will do
+  PRIMITIVE_TYPE primitive_type = PRIMITIVE_TRIANGLES;  ///< see get_primitive_type
+  GpuBufferData* vb_ = nullptr;                         ///< own vertex buffer record
   GpuBufferData* vb_source = nullptr;  ///< buffer drawn from; not owned when it is not `vb_`
   bool vb_uploaded = false;            ///< the buffers were created
-  GPU_BUFFER_TYPE vertex_buffer_type = GPU_BUFFER_ARRAY;
-  BUFFER_OBJECT_USAGE vertex_buffer_usage = BUFFER_USAGE_STATIC_DRAW;
-  bool ib_uploaded = false;
-  unsigned int vertex_buffer_id = 0;  ///< `buffer_id` of the own buffer once created
-  void* mapped_ptr = nullptr;         ///< set while the vertex buffer is mapped
-  unsigned int num_vertices = 0;
-  int draw_start = 0;
-  int draw_count = 0;
+  GPU_BUFFER_TYPE vertex_buffer_type = GPU_BUFFER_ARRAY;  ///< what the vertex buffer is created as
+  BUFFER_OBJECT_USAGE vertex_buffer_usage =
+      BUFFER_USAGE_STATIC_DRAW;        ///< usage hinted to the graphics API
+  bool ib_uploaded = false;            ///< the index buffer was created
+  unsigned int vertex_buffer_id = 0;   ///< `buffer_id` of the own buffer once created
+  void* mapped_ptr = nullptr;          ///< set while the vertex buffer is mapped
+  unsigned int num_vertices = 0;       ///< as allocated
+  int draw_start = 0;                  ///< first vertex to draw without faces
+  int draw_count = 0;                  ///< vertices to draw without faces
   bool std_vertex_attribs = true;      ///< as allocated
   bool separate_vertex_arrays = true;  ///< as allocated
   int vertex_alignment = 0;            ///< as allocated
-  bool use_gl2_built_in_vertex_attribs = false;
+  bool use_gl2_built_in_vertex_attribs =
+      false;                         ///< attributes go to the arrays of the fixed pipeline
   vec4* vertex_particles = nullptr;  ///< one per vertex
-  unsigned int ibo = 0;
-  BUFFER_OBJECT_USAGE index_buffer_usage = BUFFER_USAGE_STATIC_DRAW;
-  unsigned int num_faces = 0;       ///< in the generic form, the number of indices
-  unsigned int* indices = nullptr;  ///< generic index list
-  FaceU16* faces_u16 = nullptr;
-  FaceU32* faces_u32 = nullptr;
-  vec4* face_normals = nullptr;            ///< one per face
-  unsigned int* face_materials = nullptr;  ///< id of the material of each face, 0 for none
-  int index_bits = 32;
-  bool render_wireframe_quad = false;
+  unsigned int ibo = 0;              ///< API index buffer, 0 for none
+  BUFFER_OBJECT_USAGE index_buffer_usage =
+      BUFFER_USAGE_STATIC_DRAW;              ///< usage hinted to the graphics API
+  unsigned int num_faces = 0;                ///< in the generic form, the number of indices
+  unsigned int* indices = nullptr;           ///< generic index list
+  FaceU16* faces_u16 = nullptr;              ///< owned; faces when `index_bits` is 16
+  FaceU32* faces_u32 = nullptr;              ///< owned; faces when `index_bits` is 32
+  vec4* face_normals = nullptr;              ///< one per face
+  unsigned int* face_materials = nullptr;    ///< id of the material of each face, 0 for none
+  int index_bits = 32;                       ///< 16 or 32
+  bool render_wireframe_quad = false;        ///< kept for hosts: draw the quad edges
   unsigned int* quad_edges = nullptr;        ///< two vertex indices per edge
   unsigned int num_quad_edges = 0;           ///< number of indices
   bool ib_update_faces_list_needed = false;  ///< faces changed since the index buffer was filled
   bool tessellation = false;                 ///< draw as patches
-  bool use_generic_vertex_attribs = true;
-  int ref_count = 0;
-  Thread thread;  ///< id and handle of the constructing or uploading thread
-  VERTEX_FORMAT vertex_format = VERTEX_FORMAT_DEFAULT;
-  VertexAttribArray* attrib_arrays[MAX_VERTEX_ATTRIBS] = {};
-  unsigned int num_attrib_arrays = 0;
+  bool use_generic_vertex_attribs =
+      true;           ///< attributes go to their locations in the bound program
+  int ref_count = 0;  ///< see inc_ref
+  Thread thread;      ///< id and handle of the constructing or uploading thread
+  VERTEX_FORMAT vertex_format = VERTEX_FORMAT_DEFAULT;  ///< carried for the host
+  VertexAttribArray* attrib_arrays[MAX_VERTEX_ATTRIBS] =
+      {};                                 ///< owned; the first `num_attrib_arrays` are not null
+  unsigned int num_attrib_arrays = 0;     ///< attribute arrays in use
   unsigned char* vertices_raw = nullptr;  ///< block that is freed, when aligned
   Vertex* vertices = nullptr;             ///< interleaved array
   VertexAttribData std_attrib_data[6];    ///< attributes of the interleaved array, 4 in use
-  bool update_interleaved_needed = true;
-  unsigned int num_instances = 0;
+  bool update_interleaved_needed = true;  ///< the interleaved block differs from the GPU copy
+  unsigned int num_instances = 0;         ///< instances to draw, 0 when not instanced
   unsigned int first_instance_array = 0xFFFFFFFFu;  ///< first per-instance array; this for none
-  bool point_sprite = false;
-  MaterialSubset* subsets = nullptr;
-  unsigned int num_subsets = 0;
-  MaterialSubset* current_subset = nullptr;  ///< set only while one subset is drawn
-  int id;
+  bool point_sprite = false;                        ///< points are drawn as sprites
+  MaterialSubset* subsets = nullptr;                ///< owned
+  unsigned int num_subsets = 0;                     ///< entries of `subsets`
+  MaterialSubset* current_subset = nullptr;         ///< set only while one subset is drawn
+  int id;                                           ///< identity within the process
 
   // ---- bookkeeping between geometry and renderer ----
 
@@ -459,6 +511,7 @@ class ORV_API GeometryCore {
   unsigned int interleaved_dirty_end = 0;    ///< behind the last marked vertex; 0 when none
   bool interleaved_whole_dirty = true;       ///< the next upload sends the whole block
   bool interleaved_raw_shared = false;       ///< a pointer to the block was handed out
+  /// The renderer's notes about its copy.
   GeometryGpuState gpu_state;
 
   /// Marks vertices of the interleaved block for upload.

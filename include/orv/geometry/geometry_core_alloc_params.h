@@ -38,6 +38,7 @@ class ORV_API MeshDataVertexAttribsAllocParams : public GeometryCoreAllocParams 
   /// Takes over all fields.
   MeshDataVertexAttribsAllocParams(const GeometryCoreAllocParams& params)
       : GeometryCoreAllocParams(params) {}
+  /// Takes over all fields.
   MeshDataVertexAttribsAllocParams& operator=(const GeometryCoreAllocParams& params) {
     GeometryCoreAllocParams::operator=(params);
     return *this;

@@ -8,9 +8,9 @@ namespace orv {
 
 /// Placement of one attribute array in a vertex buffer.
 struct ORV_API GeometryGpuAttrib {
-  int location = -1;
-  int divisor = 0;
-  int element_dim = 0;
+  int location = -1;              ///< in GPU programs, -1 for none
+  int divisor = 0;                ///< instances per element, 0 for an attribute per vertex
+  int element_dim = 0;            ///< components of an element
   int element_size = 0;           ///< bytes
   unsigned int num_elements = 0;  ///< the array takes `element_size` * `num_elements` bytes
   bool copied_from_own = false;   ///< passed over where a lower array has its location
@@ -18,14 +18,14 @@ struct ORV_API GeometryGpuAttrib {
 
 /// All that is needed to bind and draw a geometry from its buffers.
 struct ORV_API GeometryGpuLayout {
-  unsigned int num_vertices = 0;
+  unsigned int num_vertices = 0;      ///< vertices in the buffer
   unsigned int num_faces = 0;         ///< number of indices in the generic form
   int index_bits = 32;                ///< 16 or 32
   bool generic_indices = false;       ///< indices one by one, not faces of three
   unsigned int interleaved_size = 0;  ///< bytes of the interleaved block in front; 0 without one
   int std_locations[4] = {-1, -1, -1, -1};  ///< of the attributes of the interleaved block
-  unsigned int num_attribs = 0;
-  GeometryGpuAttrib attribs[16];
+  unsigned int num_attribs = 0;             ///< entries of `attribs` in use
+  GeometryGpuAttrib attribs[16];            ///< in the order of the buffer
 };
 
 /// Bookkeeping of the renderer that uploaded a geometry. The geometry only keeps it, apart from

@@ -30,6 +30,8 @@ class ORV_API Mesh : public Object {
   ~Mesh() override;
   /// A new node that shares the data; user geometry is copied.
   Mesh(const Mesh& other);
+  /// Shares the data of `other` and takes over its state; this node's identity and place in the
+  /// tree stay.
   Mesh& operator=(const Mesh& other);
 
   // ---- data ----
@@ -50,23 +52,28 @@ class ORV_API Mesh : public Object {
   bool clear_cpu_gpu_data(Renderer* renderer, bool clear_cpu, bool clear_gpu);
   /// The data, null for none. Borrowed.
   MeshData* get_data() const { return mesh_data_; }
+  /// The same as get_data.
   MeshData* get_mesh_data() const { return mesh_data_; }
   /// Frees vertices, faces, quad edges and subsets; the MeshData stays. Nothing is drawn then.
   bool free_mesh_data();
   /// Frees the storage of attribute array `array`. False without it.
   bool free_vertex_attrib_array(unsigned int array);
 
+  /// @{
   /// What alloc_vertex_data will allocate. False, defaults or nothing without data.
   bool set_vertex_alloc_params(const MeshDataVertexAttribsAllocParams& params);
   MeshDataVertexAttribsAllocParams get_vertex_alloc_params() const;
   void set_vertex_alloc_params_num_vertices(unsigned int n);
   void set_vertex_alloc_params_num_user_attribs(unsigned int n);
+  /// @}
+
   /// Allocates what the alloc params say. False, with an error in the log, for 0 vertices or too
   /// little memory.
   bool alloc_vertex_data();
   /// As GeometryCore::alloc_face_data and its second form; a failure is logged with the mesh's
   /// name.
   bool alloc_face_data(unsigned int count, bool force_32);
+  /// As GeometryCore::alloc_face_data_v2; a failure is logged with the mesh's name.
   bool alloc_face_data_v2(unsigned int count, MESH_FACE_TRIANGLE_TYPE type);
   /// Draws the vertices `start` to `end` - 1 when there are no faces.
   void set_draw_start_end_vertex(int start, int end);
@@ -88,29 +95,39 @@ class ORV_API Mesh : public Object {
   void render_geometry_finish(Renderer* renderer) override;
   /// Draws as patches.
   void set_tessellation_state(bool state, Node* node) override;
+
+  /// @{
   /// Kept for renderers that draw the quad edges of shapes; false without data.
   void set_render_wireframe_quad_state(bool state);
   bool get_render_wireframe_quad_state() const;
+  /// @}
 
   // ---- material subsets ----
 
   /// Gives the faces to the material. False for a null material or a face out of range.
   bool set_face_material(Material* material, unsigned int face);
+  /// Gives all faces to the material. False for null and without data.
   bool set_material_to_all_faces(Material* material);
   /// Makes one subset per material of the object, spanning its first to its last face. A material
   /// on fewer than two faces gets an empty subset, which draws nothing. False without data.
   bool init_subsets();
   unsigned int get_num_subsets() const;  ///< 0 before init_subsets
+
+  /// @{
   /// Draw, or run the geometry steps, for subset `i` alone. False for an index out of range.
   bool render_subset(Renderer* renderer, unsigned int i);
   bool render_subset_geometry(Renderer* renderer, unsigned int i);
   bool render_subset_geometry_draw(Renderer* renderer, unsigned int i);
+  /// @}
 
   // ---- buffers ----
 
+  /// @{
   /// Numbers of the buffers in the graphics API, 0 while there are none.
   unsigned int get_vertex_buffer_opengl_id() const;
   unsigned int get_index_buffer_opengl_id() const;
+  /// @}
+
   /// Maps the vertex buffer for writing; null without a renderer.
   Vertex* map_vertex_buffer(Renderer* renderer);
   /// The same for separate arrays; null unless the data has these.
@@ -142,22 +159,36 @@ class ORV_API Mesh : public Object {
   bool set_vertex_normal(unsigned int i, const vec4& v);
   /// The normal with w 0.
   vec4 get_vertex_normal(unsigned int i) const;
+
+  /// @{
+  /// Tangents belong to derived kinds of geometry: false and (0, 0, 0, 1) with that of plain
+  /// meshes.
   bool set_vertex_tangent(unsigned int i, const vec4& v);
   vec4 get_vertex_tangent(unsigned int i) const;
+  /// @}
+
+  /// Stores RGBA, usually in 0 to 1. False when out of range.
   bool set_vertex_color(unsigned int i, const vec4& v);
+  /// (0, 0, 0, 1) when out of range.
   vec4 get_vertex_color(unsigned int i) const;
   /// Layer 0 is uv0, layer 1 uv1; another layer does nothing.
   void set_vertex_uv(unsigned int i, const vec4& uv, int layer);
   /// Layer 1 is uv1, any other uv0.
   vec4 get_vertex_uv(unsigned int i, int layer) const;
+
+  /// @{
   /// Element `i` of attribute array `array`; as the setters and getters above.
   void set_vertex_attrib_element(unsigned int array, unsigned int i, const vec4& v);
   vec4 get_vertex_attrib_element(unsigned int array, unsigned int i) const;
+  /// @}
+
+  /// @{
   /// Copies vec4s into the named attribute, as GeometryCore::update_position_buffer and its kin.
   /// False for an unknown attribute.
   bool update_vertex_attrib_buffer(VERTEX_ATTRIB_TYPE type, const void* data);
   bool update_vertex_attrib_sub_buffer(VERTEX_ATTRIB_TYPE type, const void* data,
                                        unsigned int start, unsigned int count);
+  /// @}
 
   // ---- faces ----
 
@@ -183,6 +214,7 @@ class ORV_API Mesh : public Object {
 
   /// @name All vertices at once
   /// A mesh without vertices stops moving, scaling and rotating at once, before its children.
+
   /// @{
 
   using Object::rotate_vertices_position;
@@ -223,11 +255,15 @@ class ORV_API Mesh : public Object {
 
   /// Adds a white vertex and returns its index.
   unsigned int user_geometry_add_vertex(const vec4& position);
+
+  /// @{
   /// False when there is no such vertex.
   bool user_geometry_set_vertex_position(unsigned int i, const vec4& v);
   bool user_geometry_set_vertex_color(unsigned int i, const vec4& v);
   bool user_geometry_set_vertex_normal(unsigned int i, const vec4& v);
   bool user_geometry_set_vertex_uv0(unsigned int i, const vec4& v);
+  /// @}
+
   /// Adds a face of three vertex indices. True.
   bool user_geometry_add_face32(unsigned int a, unsigned int b, unsigned int c);
   /// Drops what was gathered. False when there is nothing.

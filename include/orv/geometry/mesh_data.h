@@ -19,8 +19,11 @@ class ORV_API MeshData : public GeometryCore {
   /// What alloc_vertex_data will allocate; a copy kept by this object, written anew at each call.
   virtual MeshDataVertexAttribsAllocParams& get_vertex_alloc_params();
 
+  /// @{
+  /// One field of the parameters.
   void set_vertex_alloc_params_num_vertices(unsigned int n);
   void set_vertex_alloc_params_num_user_attribs(unsigned int n);
+  /// @}
 
   int owner_id = 0;  ///< id of the Mesh that attached this data last
 

@@ -12,40 +12,40 @@ namespace orv {
 /// Vertex of interleaved geometry, 64 bytes. Every field starts as (0, 0, 0, 1).
 class ORV_API Vertex {
  public:
-  vec4 position;
-  vec4 uv0;
-  vec4 normal;
-  vec4 color;
+  vec4 position;  ///< x, y, z and w 1
+  vec4 uv0;       ///< texture coordinates
+  vec4 normal;    ///< direction of the surface
+  vec4 color;     ///< RGBA
 };
 
 /// Compact vertex of 32 bytes, all zero at first. For the host's own buffers.
 class ORV_API Vertex_32 {
  public:
-  vec3 position;
-  vec2 uv0;
-  vec3 normal;
+  vec3 position;  ///< x, y, z
+  vec2 uv0;       ///< texture coordinates
+  vec3 normal;    ///< direction of the surface
 };
 
 /// Vertex of 64 bytes with a tangent; all zero but `color.w` and `tangent.w`, which are 1.
 /// For the host's own buffers.
 class ORV_API Vertex_64 {
  public:
-  vec3 position;
-  vec2 uv0;
-  vec3 normal;
-  vec4 color;
-  vec4 tangent;
+  vec3 position;  ///< x, y, z
+  vec2 uv0;       ///< texture coordinates
+  vec3 normal;    ///< direction of the surface
+  vec4 color;     ///< RGBA
+  vec4 tangent;   ///< direction of u
 };
 
 /// Vertex of 64 bytes for cloth simulation; all zero but `position.w` and `color.w`, which are 1.
 /// For the host's own buffers.
 class ORV_API Vertex_PhysXCloth {
  public:
-  vec4 position;
-  vec2 uv0;
-  vec3 normal;
-  vec4 color;
-  vec3 tangent;
+  vec4 position;  ///< x, y, z and w 1
+  vec2 uv0;       ///< texture coordinates
+  vec3 normal;    ///< direction of the surface
+  vec4 color;     ///< RGBA
+  vec3 tangent;   ///< direction of u
 };
 
 static_assert(sizeof(Vertex) == 64, "a vertex is copied to the GPU as it stands");

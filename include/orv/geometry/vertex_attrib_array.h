@@ -56,6 +56,7 @@ class ORV_API VertexAttribArray {
 
   // ---- upload marks ----
 
+  /// Whether anything is marked for upload.
   bool is_update_needed() const { return update_needed_; }
 
   /// True marks the whole array for upload, false says that the GPU copy is up to date.
@@ -73,25 +74,33 @@ class ORV_API VertexAttribArray {
   void set_name(const char* s);
   /// set_name, and sets the location whatever the name is.
   void set_name_and_loc(const char* s, int loc);
+  /// The name, never null; the array's own text.
   const char* get_name() const { return name; }
 
+  /// @{
   /// Location of the attribute in GPU programs, -1 for none.
   int get_location() const { return location; }
   void set_location(int loc);
+  /// @}
+
   /// The same as get_location.
   int get_attrib_location() const { return location; }
 
+  /// @{
   /// Instances per element when drawing instanced; 0 for an attribute per vertex.
   int get_divisor() const { return divisor; }
   void set_divisor(int instances);
+  /// @}
 
   int get_element_dim() const { return element_dim; }    ///< components of an element
   int get_element_size() const { return element_size; }  ///< bytes of an element
+  /// Elements allocated.
   int get_num_elements() const { return num_elements; }
 
   /// Size of the array in bytes.
   unsigned int get_size() const;
 
+  /// @{
   /// First element, null when nothing is allocated; the typed forms are null for arrays of another
   /// dimension. The array stays the owner. Handing a pointer out makes every later upload of this
   /// storage a whole one, since writes through it can't be seen.
@@ -100,23 +109,24 @@ class ORV_API VertexAttribArray {
   vec2* get_data_vec2_ptr();
   vec3* get_data_vec3_ptr();
   vec4* get_data_vec4_ptr();
+  /// @}
 
   // ---- record ----
 
-  int num_elements = 0;
+  int num_elements = 0;               ///< as allocated
   int element_dim = 0;                ///< 1, 2, 3 or 4; 0 without storage
   int element_size = 0;               ///< `element_dim` * 4 bytes
   unsigned char* raw_data = nullptr;  ///< block that is freed, when aligned
-  int location = -1;
-  int divisor = 0;
-  bool update_needed_ = false;  ///< contents differ from the GPU copy
-  int alignment = 0;            ///< as requested
-  char name[64] = {};
-  void* data = nullptr;  ///< first element
-  vec4* data_vec4 = nullptr;
-  vec3* data_vec3 = nullptr;
-  vec2* data_vec2 = nullptr;
-  float* data_f32 = nullptr;
+  int location = -1;                  ///< in GPU programs, -1 for none
+  int divisor = 0;                    ///< instances per element, 0 for an attribute per vertex
+  bool update_needed_ = false;        ///< contents differ from the GPU copy
+  int alignment = 0;                  ///< as requested
+  char name[64] = {};                 ///< name in GPU programs
+  void* data = nullptr;               ///< first element
+  vec4* data_vec4 = nullptr;          ///< `data` for arrays of four components, else null
+  vec3* data_vec3 = nullptr;          ///< `data` for arrays of three components, else null
+  vec2* data_vec2 = nullptr;          ///< `data` for arrays of two components, else null
+  float* data_f32 = nullptr;          ///< `data` for arrays of one component, else null
 
   // ---- bookkeeping between geometry and renderer ----
 
@@ -143,11 +153,11 @@ class ORV_API VertexAttribArray_2f {
   void reset();
   int get_element_size() const { return 8; }  ///< bytes
 
-  int num_elements = 0;
-  void* data = nullptr;
-  unsigned char* raw_data = nullptr;
-  int location = -1;
-  char name[64] = {};
+  int num_elements = 0;               ///< elements
+  void* data = nullptr;               ///< first element, not owned
+  unsigned char* raw_data = nullptr;  ///< block around the elements, not owned
+  int location = -1;                  ///< in GPU programs, -1 for none
+  char name[64] = {};                 ///< name in GPU programs
 };
 
 /// Description of an attribute of three floats.
@@ -157,11 +167,11 @@ class ORV_API VertexAttribArray_3f {
   void reset();
   int get_element_size() const { return 12; }  ///< bytes
 
-  int num_elements = 0;
-  void* data = nullptr;
-  unsigned char* raw_data = nullptr;
-  int location = -1;
-  char name[64] = {};
+  int num_elements = 0;               ///< elements
+  void* data = nullptr;               ///< first element, not owned
+  unsigned char* raw_data = nullptr;  ///< block around the elements, not owned
+  int location = -1;                  ///< in GPU programs, -1 for none
+  char name[64] = {};                 ///< name in GPU programs
 };
 
 /// Description of a standard attribute inside the interleaved Vertex.
@@ -170,7 +180,7 @@ class ORV_API VertexAttribData {
   int element_dim = 4;    ///< components
   int element_size = 16;  ///< bytes
   int location = -1;      ///< attribute location in GPU programs
-  char name[64] = {};
+  char name[64] = {};     ///< name in GPU programs
 };
 
 }  // namespace orv

@@ -48,10 +48,14 @@ class ORV_API GpuBuffer : public Resource {
                                GpuProgramData* program, int block_index, const void* data);
   /// Frees the API buffer. False when there is none.
   bool free(Renderer* renderer);
+
+  /// @{
   /// Writes or reads `size` bytes at a byte offset of the API buffer. False for null data and for
   /// bytes outside it.
   bool sub_data_write(Renderer* renderer, unsigned int offset, unsigned int size, const void* data);
   bool sub_data_read(Renderer* renderer, unsigned int offset, unsigned int size, void* data);
+  /// @}
+
   /// Copies `size` bytes from another buffer to a byte offset of this one. False for a null source
   /// and for bytes outside either.
   bool copy(Renderer* renderer, GpuBuffer* source, unsigned int source_offset, unsigned int offset,
@@ -59,13 +63,18 @@ class ORV_API GpuBuffer : public Resource {
 
   // ---- binding ----
 
+  /// @{
   /// Binds the buffer to the target of its present type, or nothing to that target.
   bool bind(Renderer* renderer);
   bool unbind(Renderer* renderer);
+  /// @}
+
+  /// @{
   /// Binds the buffer, or a range of its bytes, to a numbered point, which is remembered. Nothing
   /// and false for the point -1.
   bool bind_base(Renderer* renderer, int point);
   bool bind_range(Renderer* renderer, int point, unsigned int offset, unsigned int size);
+  /// @}
 
   // ---- mapping ----
 
@@ -83,9 +92,11 @@ class ORV_API GpuBuffer : public Resource {
 
   // ---- atomic counters, 4 bytes each ----
 
+  /// @{
   /// Write or read the counter of this index. False past the end of the buffer.
   bool atomic_counter_set_value(Renderer* renderer, unsigned int index, unsigned int value);
   bool atomic_counter_get_value(Renderer* renderer, unsigned int index, unsigned int* value);
+  /// @}
 
   // ---- typed access to mapped memory ----
   //
@@ -93,6 +104,9 @@ class ORV_API GpuBuffer : public Resource {
   // False while not mapped, when the value would not lie wholly inside the mapped memory, and for
   // null values.
 
+  /// @{
+  /// Writes a value of this kind: 4 bytes for each float and unsigned number, 64 for a matrix, 8
+  /// for a 64-bit number.
   bool set_value_1f(Renderer* renderer, unsigned int offset, float x);
   bool set_value_2f(Renderer* renderer, unsigned int offset, float x, float y);
   bool set_value_3f(Renderer* renderer, unsigned int offset, float x, float y, float z);
@@ -102,6 +116,10 @@ class ORV_API GpuBuffer : public Resource {
   bool set_value_4x4f(Renderer* renderer, unsigned int offset, const float* values);
   bool set_value_1ui(Renderer* renderer, unsigned int offset, unsigned int value);
   bool set_value_ui64(Renderer* renderer, unsigned int offset, unsigned long long value);
+  /// @}
+
+  /// @{
+  /// Reads a value of this kind, of the size that its setter writes.
   bool get_value_1f(Renderer* renderer, unsigned int offset, float* x);
   bool get_value_2f(Renderer* renderer, unsigned int offset, float* x, float* y);
   bool get_value_3f(Renderer* renderer, unsigned int offset, float* x, float* y, float* z);
@@ -112,13 +130,16 @@ class ORV_API GpuBuffer : public Resource {
   bool get_value_4x4f(Renderer* renderer, unsigned int offset, float* values);
   bool get_value_1ui(Renderer* renderer, unsigned int offset, unsigned int* value);
   bool get_value_ui64(Renderer* renderer, unsigned int offset, unsigned long long* value);
+  /// @}
 
   // ---- renderer-wide usage overrides ----
 
+  /// @{
   /// Overrides the usage of all buffers of a kind: 0 vertex, 1 index, 4 storage buffers; 2, 3, 5
   /// and 6 are stored only. False for other numbers.
   bool set_gpu_buffer_usage_option(Renderer* renderer, unsigned int which, unsigned int value);
   unsigned int get_gpu_buffer_usage_option(Renderer* renderer, unsigned int which);
+  /// @}
 
  private:
   GpuBufferData* data_;

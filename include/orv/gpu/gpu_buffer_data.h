@@ -46,28 +46,30 @@ class ORV_API GpuBufferData {
   unsigned int size = 0;                      ///< bytes
   GPU_BUFFER_TYPE type = GPU_BUFFER_UNIFORM;  ///< present binding target
   int renderer_id = 0;                        ///< plugin id of the renderer that allocated it
-  bool bound = false;
-  void* mapped_ptr = nullptr;  ///< valid while mapped
-  unsigned int buffer_id = 0;  ///< API buffer
-  BUFFER_OBJECT_USAGE usage = BUFFER_USAGE_STATIC_READ;
-  int binding_point = -1;
-  int uniform_block_index = -1;
-  int offset_alignment = 0;
-  bool immutable_storage = false;
-  bool dynamic_storage = true;
-  bool client_storage = false;
-  bool map_read = false;
-  bool map_write = true;
-  bool map_invalidate_range = false;
-  bool map_invalidate_buffer = true;
-  bool map_flush_explicit = false;
-  bool map_unsynchronized = false;
-  bool map_persistent = false;
-  bool map_coherent = false;
-  unsigned int num_blocks = 0;
-  unsigned int block_size = 0;  ///< bytes
-  unsigned int current_block_index = 0;
-  int id;  ///< process-wide number
+  bool bound = false;                         ///< bound through this record, and not unbound since
+  void* mapped_ptr = nullptr;                 ///< valid while mapped
+  unsigned int buffer_id = 0;                 ///< API buffer
+  BUFFER_OBJECT_USAGE usage = BUFFER_USAGE_STATIC_READ;  ///< as allocated
+  int binding_point = -1;        ///< indexed point of the last bind_base or bind_range, -1 for none
+  int uniform_block_index = -1;  ///< block that the buffer was made for, -1 for none
+  int offset_alignment =
+      0;  ///< bytes that offsets of bound ranges are multiples of; 0 before allocation
+  bool immutable_storage = false;  ///< storage flag: the size is fixed for good
+  bool dynamic_storage = true;     ///< storage flag: written by sub_data_write
+  bool client_storage = false;     ///< storage flag: better in main memory
+  bool map_read = false;           ///< mapping flag: read through the pointer
+  bool map_write = true;           ///< mapping flag: written through the pointer
+  bool map_invalidate_range =
+      false;  ///< mapping flag: the old contents of the range are not needed
+  bool map_invalidate_buffer = true;  ///< mapping flag: the old contents are not needed
+  bool map_flush_explicit = false;    ///< mapping flag: written ranges are flushed by flush_range
+  bool map_unsynchronized = false;    ///< mapping flag: does not wait for the GPU
+  bool map_persistent = false;        ///< mapping flag: stays mapped while the GPU uses it
+  bool map_coherent = false;          ///< mapping flag: writes are seen without a flush
+  unsigned int num_blocks = 0;        ///< see inc_block_index
+  unsigned int block_size = 0;        ///< bytes
+  unsigned int current_block_index = 0;  ///< see get_current_block_index
+  int id;                                ///< process-wide number
   /// Bytes of a mapped range, set by whoever maps one; 0 means that all of the buffer is mapped.
   unsigned int mapped_size = 0;
 

@@ -54,25 +54,33 @@ class ORV_API GpuProgram : public Resource {
   /// @param size bytes of the text; it ends at a zero before them
   bool shader_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE type, const char* text,
                                unsigned int size);
+
+  /// @{
   /// Loads a stage from a SPIR-V module. No renderer of the library takes one: false, logged when a
   /// renderer is given.
   bool spirv_shader_module_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type,
                                           const char* path);
   bool spirv_shader_module_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE type,
                                             const void* module, unsigned int size);
+  /// @}
+
+  /// @{
   /// Loads a stage or an effect through a Direct3D compiler. No renderer of the library has one:
   /// false.
   bool d3d_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type, const char* path);
   bool d3d_shader_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE type, const char* text,
                                    unsigned int size);
+  /// @}
 
   // ---- use; false for a null renderer ----
 
   /// Makes this the program that draws, after linking it where needed. False when that fails.
   bool bind(Renderer* renderer);
+  /// Leaves no program bound.
   bool unbind(Renderer* renderer);
   /// Like bind, for programs whose attributes are named by number.
   bool activate(Renderer* renderer);
+  /// Ends activate.
   bool deactivate(Renderer* renderer);
   /// Sends the changed values of the record.
   bool bind_uniforms(Renderer* renderer);
@@ -85,27 +93,38 @@ class ORV_API GpuProgram : public Resource {
 
   /// Whether all stages asked for were loaded, as the manager saw it.
   bool is_valid() const;
+  /// For whoever loads the stages.
   void set_valid_state(bool state);
   /// Whether the next bind links.
   bool is_linking_needed() const;
   /// Whether the linked program takes its vertices from numbered attributes; false before.
   bool get_use_generic_vertex_attribs_state() const;
+
+  /// @{
   /// Source of a loaded stage, compiler log of a stage, and linker log: owned by the record, null
   /// where there is none.
   const char* get_shader_source_code(GPU_SHADER_TYPE type) const;
   const char* get_shader_info_log(GPU_SHADER_TYPE type) const;
   const char* get_info_log() const;
+  /// @}
+
   /// Logs of all stages in one text, which the program owns until the next call.
   const char* get_shaders_info_log();
+
+  /// @{
   /// Entry points and shader objects of Direct3D, as in GpuProgramData.
   bool set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   const char* get_entry_point_name(GPU_SHADER_TYPE type) const;
   bool d3d11_set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   const char* d3d11_get_entry_point_name(GPU_SHADER_TYPE type) const;
   void* d3d11_get_shader_ptr(GPU_SHADER_TYPE type) const;
+  /// @}
 
   // ---- names of engine uniforms and vertex attributes, as in GpuProgramData ----
 
+  /// @{
+  /// Name under which this engine uniform is set; a copy is kept, null is ignored. The name is
+  /// owned by the record, never null.
   void set_model_matrix_uniform_name(const char* name);
   const char* get_model_matrix_uniform_name() const;
   void set_view_matrix_uniform_name(const char* name);
@@ -120,7 +139,10 @@ class ORV_API GpuProgram : public Resource {
   const char* get_model_view_projection_matrix_uniform_name() const;
   void set_viewport_uniform_name(const char* name);
   const char* get_viewport_uniform_name() const;
+  /// @}
 
+  /// @{
+  /// The operation of GpuProgramData of the same name.
   void init_default_vertex_attribs(bool named);
   void clear_vertex_attribs();
   bool set_vertex_attrib(const char* name, unsigned int location);
@@ -128,30 +150,43 @@ class ORV_API GpuProgram : public Resource {
   bool set_vertex_attrib_location(unsigned int slot, int location);
   const char* get_vertex_attrib_name(unsigned int slot) const;
   int get_vertex_attrib_location(unsigned int slot) const;
+  /// @}
 
   // ---- questions to the renderer ----
 
+  /// @{
   /// Location in the linked program, -1 for none and for a null renderer.
   int get_uniform_location(Renderer* renderer, const char* name);
   int get_vertex_attrib_location(Renderer* renderer, const char* name);
+  /// @}
+
   /// Index of a uniform block (kind holds "UNIFORM") or storage block (kind holds
   /// "SHADER_STORAGE"); 0xFFFFFFFF for none, another kind and null arguments.
   unsigned int get_interface_block_index(Renderer* renderer, const char* kind, const char* name);
   /// Bytes of a uniform block, by name when given, else by index; 0 for a null renderer.
   int get_uniform_block_size(Renderer* renderer, const char* name, unsigned int index);
+
+  /// @{
   /// Ties a block to a numbered point that buffers are bound to.
   bool set_uniform_block_binding(Renderer* renderer, unsigned int block, unsigned int binding);
   bool set_shader_storage_block_binding(Renderer* renderer, unsigned int block,
                                         unsigned int binding);
+  /// @}
+
+  /// @{
   /// Sizes and byte offsets of `count` uniforms in their blocks, and the bytes between entries of
   /// arrays. Result arrays hold `count` numbers; sizes and offsets may be null.
   bool get_uniform_size_and_offset(Renderer* renderer, const char** names, unsigned int count,
                                    int* sizes, int* offsets);
   bool get_uniform_array_stride(Renderer* renderer, const char** names, unsigned int count,
                                 int* strides);
+  /// @}
 
   // ---- uniform values ----
 
+  /// @{
+  /// Sends the value to the bound program, or keeps it when the renderer is null. False for a null
+  /// name. Null values and, with a null renderer, a count below 1 do nothing.
   bool set_uniform_1i(Renderer* renderer, const char* name, int x);
   bool set_uniform_2i(Renderer* renderer, const char* name, int x, int y);
   bool set_uniform_3i(Renderer* renderer, const char* name, int x, int y, int z);
@@ -165,8 +200,15 @@ class ORV_API GpuProgram : public Resource {
   bool set_uniform_1f(Renderer* renderer, const char* name, float x);
   bool set_uniform_2f(Renderer* renderer, const char* name, float x, float y);
   bool set_uniform_3f(Renderer* renderer, const char* name, float x, float y, float z);
+  /// @}
+
   /// The first three lanes.
   bool set_uniform_3f(Renderer* renderer, const char* name, const vec4& value);
+
+  /// @{
+  /// Sends the value to the bound program, or keeps it when the renderer is null. False for a null
+  /// name. Arrays hold `count` values; null values and, with a null renderer, a count below 1 do
+  /// nothing.
   bool set_uniform_4f(Renderer* renderer, const char* name, float x, float y, float z, float w);
   bool set_uniform_4f(Renderer* renderer, const char* name, const vec4& value);
   bool set_uniform_1d(Renderer* renderer, const char* name, double x);
@@ -189,24 +231,39 @@ class ORV_API GpuProgram : public Resource {
   bool set_uniform_1ui64(Renderer* renderer, const char* name, unsigned long long value);
   bool set_uniform_1ui64v(Renderer* renderer, const char* name, int count,
                           const unsigned long long* values);
+  /// @}
+
   /// Nine floats, column by column.
   bool set_uniform_3x3f(Renderer* renderer, const char* name, const float* values);
+  /// A matrix, column by column as it is kept.
   bool set_uniform_4x4f(Renderer* renderer, const char* name, const mat4& value);
   /// Sixteen floats, column by column.
   bool set_uniform_4x4f(Renderer* renderer, const char* name, const float* values);
 
   // Renderers have no operation for these: they go to the record whatever the renderer.
+
+  /// @{
+  /// Nine or sixteen doubles, column by column. Kept in the record whatever the renderer, never
+  /// sent.
   bool set_uniform_3x3d(Renderer* renderer, const char* name, const double* values);
   bool set_uniform_4x4d(Renderer* renderer, const char* name, const mat4d& value);
   bool set_uniform_4x4d(Renderer* renderer, const char* name, const double* values);
+  /// @}
+
+  /// Chooses the subroutine of a subroutine uniform in one stage, in the record; see
+  /// GpuProgramData.
   bool set_uniform_subroutine(Renderer* renderer, GPU_SHADER_TYPE type, const char* uniform_name,
                               const char* subroutine_name);
+
+  /// @{
+  /// Keeps a value at a byte offset of a constant buffer, in the record; see GpuProgramData.
   bool gpu_buffer_set_uniform_1i(Renderer* renderer, unsigned int offset, int x);
   bool gpu_buffer_set_uniform_1f(Renderer* renderer, unsigned int offset, float x);
   bool gpu_buffer_set_uniform_4f(Renderer* renderer, unsigned int offset, float x, float y, float z,
                                  float w);
   bool gpu_buffer_set_uniform_4f(Renderer* renderer, unsigned int offset, const vec4& value);
   bool gpu_buffer_set_uniform_4x4f(Renderer* renderer, unsigned int offset, const mat4& value);
+  /// @}
 
  private:
   struct Text;

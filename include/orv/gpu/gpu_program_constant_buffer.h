@@ -26,11 +26,11 @@ class ORV_API GpuProgramConstantBuffer {
   /// Byte offset of the current block.
   unsigned int get_block_offset_in_bytes() const { return current_block_index * block_size; }
 
-  int id;                      ///< process-wide number
-  void* api_buffer = nullptr;  ///< of the renderer
-  unsigned int num_blocks = 0;
-  unsigned int block_size = 0;  ///< bytes
-  unsigned int current_block_index = 0;
+  int id;                                ///< process-wide number
+  void* api_buffer = nullptr;            ///< of the renderer
+  unsigned int num_blocks = 0;           ///< see inc_block_index
+  unsigned int block_size = 0;           ///< bytes
+  unsigned int current_block_index = 0;  ///< block in use, from 0
   unsigned long long api_words[4] = {};  ///< of the renderer
 };
 

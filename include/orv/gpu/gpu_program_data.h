@@ -36,12 +36,17 @@ class ORV_API GpuProgramData {
  public:
   static constexpr unsigned int NUM_STAGES = 8;             ///< entries of the per-stage arrays
   static constexpr unsigned int NUM_SUBROUTINE_STAGES = 6;  ///< stages with subroutines
-  static constexpr unsigned int MAX_VERTEX_ATTRIBS = 16;
+  static constexpr unsigned int MAX_VERTEX_ATTRIBS = 16;    ///< entries of `vertex_attribs`
 
   /// Starts with the engine names and four empty uniform slots.
   GpuProgramData();
+
+  /// @{
+  /// Copies texts, logs and uniforms; the API ids are the same.
   GpuProgramData(const GpuProgramData& other);
   GpuProgramData& operator=(const GpuProgramData& other);
+  /// @}
+
   /// Frees texts, logs and uniforms. API objects are the renderer's and must be unloaded before.
   ~GpuProgramData();
 
@@ -54,15 +59,20 @@ class ORV_API GpuProgramData {
   void set_gpu_program_name(const char* name);
   /// Never null.
   const char* get_gpu_program_name() const { return gpu_program_name; }
+
+  /// @{
   /// Node id of the owning GpuProgram, -1 without one.
   int get_gpu_program_id() const { return gpu_program_id; }
   void set_gpu_program_id(int id) { gpu_program_id = id; }
+  /// @}
+
   /// Records the calling thread.
   void update_thread();
   /// Whether the calling thread is the recorded one.
   bool check_thread() const;
   /// The thread recorded last.
   const Thread& get_thread() const { return thread; }
+  /// The same, to read and write.
   Thread* get_thread_ptr() { return &thread; }
 
   // ---- state ----
@@ -73,6 +83,7 @@ class ORV_API GpuProgramData {
   bool is_linking_needed() const { return !linked; }
   /// Whether all stages asked for were loaded.
   bool is_valid() const { return valid; }
+  /// For whoever loads the stages.
   void set_valid_state(bool state) { valid = state; }
 
   // ---- stages ----
@@ -102,18 +113,27 @@ class ORV_API GpuProgramData {
   bool set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   /// Null for an unknown stage.
   const char* get_entry_point_name(GPU_SHADER_TYPE type) const;
+
+  /// @{
   /// The same two.
   bool d3d11_set_entry_point_name(GPU_SHADER_TYPE type, const char* name);
   const char* d3d11_get_entry_point_name(GPU_SHADER_TYPE type) const;
+  /// @}
+
   /// Shader object of a Direct3D renderer, or null.
   void* d3d11_get_shader_ptr(GPU_SHADER_TYPE type) const;
 
   // ---- names of the engine uniforms ----
 
+  /// @{
   /// Name under which an engine uniform is set. Each set_*_uniform_name keeps a copy; null is
   /// ignored.
   void set_engine_uniform_name(ENGINE_UNIFORM which, const char* name);
   const char* get_engine_uniform_name(ENGINE_UNIFORM which) const;
+  /// @}
+
+  /// @{
+  /// Name of this engine uniform; see set_engine_uniform_name.
   void set_model_matrix_uniform_name(const char* name);
   const char* get_model_matrix_uniform_name() const;
   void set_view_matrix_uniform_name(const char* name);
@@ -128,6 +148,7 @@ class ORV_API GpuProgramData {
   const char* get_model_view_projection_matrix_uniform_name() const;
   void set_viewport_uniform_name(const char* name);
   const char* get_viewport_uniform_name() const;
+  /// @}
 
   // ---- vertex attributes ----
 
@@ -184,6 +205,9 @@ class ORV_API GpuProgramData {
   // Equal float, double and matrix values of a record that was sent before stay unmarked.
   // False for a null name; true with nothing stored for null values or a count below 1.
 
+  /// @{
+  /// Stores a value under this name, see above. Arrays hold `count` values of the size that the
+  /// name of the operation tells.
   bool set_uniform_1i(const char* name, int x);
   bool set_uniform_2i(const char* name, int x, int y);
   bool set_uniform_3i(const char* name, int x, int y, int z);
@@ -202,6 +226,10 @@ class ORV_API GpuProgramData {
   bool set_uniform_2d(const char* name, double x, double y);
   bool set_uniform_3d(const char* name, double x, double y, double z);
   bool set_uniform_4d(const char* name, double x, double y, double z, double w);
+
+  /// @{
+  /// Stores a value under this name, see above. Arrays hold `count` values of the size that the
+  /// name of the operation tells.
   bool set_uniform_1iv(const char* name, int count, const int* values);
   bool set_uniform_2iv(const char* name, int count, const int* values);
   bool set_uniform_3iv(const char* name, int count, const int* values);
@@ -216,8 +244,12 @@ class ORV_API GpuProgramData {
   bool set_uniform_4dv(const char* name, int count, const double* values);
   bool set_uniform_1ui64(const char* name, unsigned long long value);
   bool set_uniform_1ui64v(const char* name, int count, const unsigned long long* values);
+  /// @}
+
+  /// @}
   /// Nine floats, column by column.
   bool set_uniform_3x3f(const char* name, const float* values);
+  /// A matrix, column by column as it is kept.
   bool set_uniform_4x4f(const char* name, const mat4& value);
   /// Sixteen floats, column by column.
   bool set_uniform_4x4f(const char* name, const float* values);
@@ -225,6 +257,7 @@ class ORV_API GpuProgramData {
   bool set_uniform_3x3d(const char* name, const double* values);
   /// Kept, never sent.
   bool set_uniform_4x4d(const char* name, const mat4d& value);
+  /// Sixteen doubles, column by column. Kept, never sent.
   bool set_uniform_4x4d(const char* name, const double* values);
   /// Chooses the subroutine of a subroutine uniform in one stage. False for a null name; true with
   /// nothing stored for a stage that has no subroutines.
@@ -233,42 +266,67 @@ class ORV_API GpuProgramData {
 
   // Values at a byte offset of a constant buffer. True; nothing is stored at
   // GpuProgramUniform::NO_OFFSET.
+
+  /// @{
+  /// Stores a value at a byte offset; matrices are sixteen floats, column by column.
   bool gpu_buffer_set_uniform_1i(unsigned int offset, int x);
   bool gpu_buffer_set_uniform_1f(unsigned int offset, float x);
   bool gpu_buffer_set_uniform_4f(unsigned int offset, float x, float y, float z, float w);
   bool gpu_buffer_set_uniform_4x4f(unsigned int offset, const mat4& value);
   bool gpu_buffer_set_uniform_4x4f(unsigned int offset, const float* values);
+  /// @}
 
   // Workers of the setters above; values holds `elements` (1 to 4) or count * elements numbers.
+  /// Worker: one value of `elements` integers.
   bool _set_uniform_i(const char* name, int elements, const int* values);
   /// Also asks for all locations to be resolved again.
   bool _set_uniform_ui(const char* name, int elements, const unsigned int* values);
+
+  /// @{
+  /// Worker: one value of `elements` numbers.
   bool _set_uniform_f(const char* name, int elements, const float* values);
   bool _set_uniform_d(const char* name, int elements, const double* values);
+  /// @}
+
+  /// @{
+  /// Worker: `count` values of `elements` numbers each.
   bool _set_uniform_iv(const char* name, int count, int elements, const int* values);
   bool _set_uniform_fv(const char* name, int count, int elements, const float* values);
   bool _set_uniform_dv(const char* name, int count, int elements, const double* values);
   bool _set_uniform_ui64v(const char* name, int count, int elements,
                           const unsigned long long* values);
+  /// @}
 
   // ---- caches for the renderer ----
 
   /// Whether the locations of all records are resolved.
   bool _are_uniforms_optimized() const { return uniforms_optimized; }
+
+  /// @{
+  /// Says that they are, or no longer.
   void _uniforms_optimization_ok() { uniforms_optimized = true; }
   void _uniforms_optimization_dirty() { uniforms_optimized = false; }
+  /// @}
+
   /// -1 when the name is absent or null.
   int _get_uniform_location_from_cache(const char* name) const;
+  /// Keeps a location under a name; a null name is ignored.
   void _update_uniform_location_cache(const char* name, int location);
   /// Empties the cache and asks for all locations again, as the two below.
   void _clear_uniform_location_cache();
+  /// -1 when the name is absent or null.
   int _get_uniform_subroutine_location_from_cache(const char* name) const;
+  /// Keeps a location under a name; a null name is ignored.
   void _update_uniform_subroutine_location_cache(const char* name, int location);
+  /// Empties the cache and asks for all locations again.
   void _clear_uniform_subroutine_location_cache();
   /// 0xFFFFFFFF when the name is absent or null.
   unsigned int _get_subroutine_index_from_cache(const char* name) const;
+  /// Keeps an index under a name; a null name is ignored.
   void _update_subroutine_index_cache(const char* name, unsigned int index);
+  /// Empties the cache and asks for all locations again.
   void _clear_subroutine_index_cache();
+  /// Empties all three.
   void _clear_all_uniform_caches();
   /// Zeroed array for the subroutine indices of a stage, grown when count is above what it holds.
   /// Null for a stage without subroutines or a count of 0. Owned by the record.
@@ -276,38 +334,41 @@ class ORV_API GpuProgramData {
 
   // ---- fields ----
 
-  char gpu_program_name[128] = {};
-  Thread thread;                ///< thread that created the API object
-  bool active = false;          ///< true between gpu_program_use and gpu_program_unuse
-  unsigned int program_id = 0;  ///< API program object
-  bool use_generic_vertex_attribs = false;
-  bool generic_attribs_detection_needed = true;
-  bool generic_attrib_names_binding_needed = true;
-  bool linked = false;
-  bool attrib_locations_dirty = true;
-  bool attrib_group_1_dirty = true;  ///< attribute slots 0 to 4
-  bool attrib_group_2_dirty = true;  ///< attribute slots 4 to 8
-  bool valid = false;
-  bool shader_loaded[NUM_STAGES] = {};
+  char gpu_program_name[128] = {};          ///< see set_gpu_program_name
+  Thread thread;                            ///< thread that created the API object
+  bool active = false;                      ///< true between gpu_program_use and gpu_program_unuse
+  unsigned int program_id = 0;              ///< API program object
+  bool use_generic_vertex_attribs = false;  ///< vertices come from numbered attributes
+  bool generic_attribs_detection_needed = true;  ///< the renderer has yet to find that out
+  bool generic_attrib_names_binding_needed =
+      true;                                 ///< names of attributes are to be bound before the link
+  bool linked = false;                      ///< the program object is linked
+  bool attrib_locations_dirty = true;       ///< locations of attributes changed since the link
+  bool attrib_group_1_dirty = true;         ///< attribute slots 0 to 4
+  bool attrib_group_2_dirty = true;         ///< attribute slots 4 to 8
+  bool valid = false;                       ///< see is_valid
+  bool shader_loaded[NUM_STAGES] = {};      ///< by stage: compiled and attached
   unsigned int shader_id[NUM_STAGES] = {};  ///< API shader objects
   char* shader_source[NUM_STAGES] = {};     ///< owned, made with new[]
   char* shader_info_log[NUM_STAGES] = {};   ///< owned, made with new[]
-  unsigned int shader_info_log_capacity[NUM_STAGES] = {};
-  char* info_log = nullptr;  ///< link log, owned, made with new[]
-  unsigned int info_log_capacity = 0;
-  char d3d_entry_point_names[NUM_STAGES][64] = {};  ///< empty means "main"
-  void* d3d_shaders[NUM_STAGES] = {};
-  int renderer_gpu_id = 0;  ///< plugin id of the renderer that made program_id
-  char* engine_uniform_names[ENGINE_UNIFORM_COUNT] = {};  ///< owned, never null
-  GpuProgramVertexAttrib vertex_attribs[MAX_VERTEX_ATTRIBS];
+  unsigned int shader_info_log_capacity[NUM_STAGES] = {};  ///< bytes of each log
+  char* info_log = nullptr;                                ///< link log, owned, made with new[]
+  unsigned int info_log_capacity = 0;                      ///< bytes of the link log
+  char d3d_entry_point_names[NUM_STAGES][64] = {};         ///< empty means "main"
+  void* d3d_shaders[NUM_STAGES] = {};  ///< shader objects of a Direct3D renderer
+  int renderer_gpu_id = 0;             ///< plugin id of the renderer that made program_id
+  char* engine_uniform_names[ENGINE_UNIFORM_COUNT] = {};      ///< owned, never null
+  GpuProgramVertexAttrib vertex_attribs[MAX_VERTEX_ATTRIBS];  ///< by slot
 
   bool uniforms_optimized = false;         ///< locations are resolved
   GpuProgramUniform** uniforms = nullptr;  ///< owned list, slots may be null
-  unsigned int num_uniform_slots = 0;
-  unsigned int num_subroutine_uniforms[NUM_SUBROUTINE_STAGES] = {};
+  unsigned int num_uniform_slots = 0;      ///< entries of `uniforms`, used or not
+  unsigned int num_subroutine_uniforms[NUM_SUBROUTINE_STAGES] =
+      {};  ///< by stage: subroutine uniforms in the list
   unsigned int* subroutine_indices[NUM_SUBROUTINE_STAGES] = {};  ///< owned, made with new[]
-  unsigned int subroutine_indices_capacity[NUM_SUBROUTINE_STAGES] = {};
-  int gpu_program_id = -1;
+  unsigned int subroutine_indices_capacity[NUM_SUBROUTINE_STAGES] =
+      {};                   ///< entries of each array of indices
+  int gpu_program_id = -1;  ///< see get_gpu_program_id
 
  private:
   struct UniformCaches;

@@ -21,11 +21,15 @@ class ORV_API GpuProgramMgr : public ResourceMgr {
 
   /// Makes an empty program and registers it with one reference. A null name keeps the default.
   GpuProgram* create_gpu_program(const char* name);
+
+  /// @{
   /// Makes a program and loads it as init_gpu_program_from_file and its companions do. The program
   /// is returned also when loading failed; the manager holds its only reference.
   GpuProgram* create_gpu_program_from_file(Renderer* renderer, const char* path, const char* name);
   GpuProgram* create_gpu_program_from_memory(Renderer* renderer, const char* text,
                                              unsigned int size, const char* name);
+  /// @}
+
   /// From the source texts of the stages; null and empty texts are passed over.
   GpuProgram* create_gpu_program_from_shaders(Renderer* renderer, const char* vertex,
                                               const char* pixel, const char* geometry,
@@ -35,12 +39,15 @@ class ORV_API GpuProgramMgr : public ResourceMgr {
   GpuProgram* create_gpu_program_from_effect(Renderer* renderer, const char* path,
                                              const char* name);
 
+  /// @{
   /// Names and loads a program, marks it valid or not, and registers it when it is not yet. False
   /// for a null program and when loading failed.
   bool init_gpu_program_from_file(Renderer* renderer, GpuProgram* program, const char* path,
                                   const char* name);
   bool init_gpu_program_from_memory(Renderer* renderer, GpuProgram* program, const char* text,
                                     unsigned int size, const char* name);
+  /// @}
+
   /// Loads the stages in the order vertex, tessellation control, tessellation evaluation, geometry,
   /// pixel, compute. A stage that fails is logged as an error, and the others are still loaded.
   bool init_gpu_program_from_shaders(Renderer* renderer, GpuProgram* program, const char* vertex,

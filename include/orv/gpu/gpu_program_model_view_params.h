@@ -11,12 +11,12 @@ namespace orv {
 /// identity at first.
 class ORV_API GpuProgramModelViewParams {
  public:
-  mat4 model_view_projection;
-  mat4 model_view;
-  mat4 model_view_2;  ///< the model-view matrix again
-  mat4 view;
-  mat4 projection;
-  mat4 view_projection;
+  mat4 model_view_projection;  ///< projection * view * model
+  mat4 model_view;             ///< view * model
+  mat4 model_view_2;           ///< the model-view matrix again
+  mat4 view;                   ///< from the world to the camera
+  mat4 projection;             ///< from the camera to clip space
+  mat4 view_projection;        ///< projection * view
 };
 
 }  // namespace orv

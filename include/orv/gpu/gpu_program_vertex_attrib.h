@@ -10,8 +10,8 @@ namespace orv {
 /// location is not used.
 class ORV_API GpuProgramVertexAttrib {
  public:
-  int location = -1;
-  char name[64] = {};
+  int location = -1;   ///< in the linked program, -1 for none
+  char name[64] = {};  ///< empty for an unused slot
 };
 
 }  // namespace orv

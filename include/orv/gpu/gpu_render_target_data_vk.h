@@ -9,7 +9,7 @@ namespace orv {
 /// One word of a GpuRenderTarget for a Vulkan renderer.
 class ORV_API GpuRenderTargetDataVK {
  public:
-  unsigned long long word = 0;
+  unsigned long long word = 0;  ///< the renderer's own
 };
 
 }  // namespace orv

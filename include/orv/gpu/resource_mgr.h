@@ -47,9 +47,12 @@ class ORV_API ResourceMgr {
   Resource* get_resource(int id) const;
   /// First resource added among those of exactly this name; null for none and for a null name.
   Resource* get_resource(const char* name) const;
+
+  /// @{
   /// Whether the resource, or one with this node id, is in the list; false for null.
   bool has_resource(Resource* resource) const;
   bool has_resource(int id) const;
+  /// @}
 
  protected:
   /// Appends a resource and takes a reference. False for null; true with no effect for a resource

@@ -51,11 +51,13 @@ class ORV_API Texture : public Resource {
   /// they give false and the type stays.
   /// @param zero_fill whether pixels start at 0; else they start with any value
   virtual bool create_1d(unsigned int width, PIXEL_FORMAT format, bool zero_fill);
+  /// See create_1d.
   virtual bool create_2d(unsigned int width, unsigned int height, PIXEL_FORMAT format,
                          bool zero_fill);
   /// Discards the old layers and makes new ones. A layer that cannot be made is logged.
   virtual bool create_2d_array(unsigned int width, unsigned int height, unsigned int num_layers,
                                PIXEL_FORMAT format, bool zero_fill);
+  /// See create_1d.
   virtual bool create_2d_rectangle(unsigned int width, unsigned int height, PIXEL_FORMAT format,
                                    bool zero_fill);
   /// Makes six square faces; always true.
@@ -70,7 +72,9 @@ class ORV_API Texture : public Resource {
   /// The same by the renderer. False for a null renderer.
   virtual bool init_color_texture_from_render_target_v2(Renderer* renderer, GpuRenderTarget* target,
                                                         unsigned int index);
+  /// The same for the depth attachment.
   virtual bool init_depth_texture_from_render_target(GpuRenderTarget* target);
+  /// The same for the depth attachment, by the renderer.
   virtual bool init_depth_texture_from_render_target_v2(Renderer* renderer,
                                                         GpuRenderTarget* target);
 
@@ -88,6 +92,7 @@ class ORV_API Texture : public Resource {
   virtual bool activate(Renderer* renderer, unsigned int unit);
   /// Binds the texture to an image unit, for shaders that write to it, and clears such a unit.
   virtual bool image_bind(Renderer* renderer, unsigned int unit, DATA_ACCESS_TYPE access);
+  /// Clears an image unit.
   virtual bool image_unbind(Renderer* renderer, unsigned int unit);
 
   /// Uploads the pixels at a unit. The flag is for the one back end that has its own upload and is
@@ -106,18 +111,23 @@ class ORV_API Texture : public Resource {
   /// the old one as _cleanup() does. The block was made with new and is freed by its last texture.
   bool _set_texture_data(Renderer* renderer, TextureData* new_data);
 
+  /// @{
   /// Number that hosts tie to a stream of pictures; 0 at first, read by nobody here.
   int get_audio_video_block_id() const { return audio_video_block_id_; }
   void set_audio_video_block_id(int id) { audio_video_block_id_ = id; }
+  /// @}
 
+  /// @{
   /// State and API object of the block, see TextureData.
   bool is_loaded_in_gpu_memory() const;
   void set_loaded_in_gpu_memory_state(bool state);
   void set_opengl_texture_id(unsigned int api_id);
   unsigned int get_opengl_texture_id() const;
+  /// @}
 
   // ---- sampling ----
 
+  /// @{
   /// Store the value; with a renderer it is applied at once.
   void set_filtering_mode(Renderer* renderer, SAMPLER_FILTERING_MODE mode);
   SAMPLER_FILTERING_MODE get_filtering_mode() const;
@@ -125,18 +135,24 @@ class ORV_API Texture : public Resource {
   SAMPLER_ADDRESSING_MODE get_addressing_mode() const;
   void set_anisotropy(Renderer* renderer, float value);
   float get_anisotropy() const;
+  /// @}
 
   /// Whether the upload makes mipmaps; they are made at first.
   void gen_mipmaps(bool state);
+
+  /// @{
   /// Levels used in sampling, see TextureData.
   void set_mipmap_levels(int base_level, int max_level);
   int get_mipmap_base_level() const;
   int get_mipmap_max_level() const;
+  /// @}
+
   /// See TextureData.
   unsigned int get_max_number_of_mipmaps() const;
 
   // ---- compression ----
 
+  /// @{
   /// See TextureData.
   bool set_compression_format(const char* name);
   bool get_gpu_compression_state() const;
@@ -145,9 +161,11 @@ class ORV_API Texture : public Resource {
   void set_s3tc_compression_state(bool state);
   unsigned int get_gpu_memory_size() const;
   unsigned int get_gpu_memory_size_compressed() const;
+  /// @}
 
   // ---- pixels ----
 
+  /// @{
   /// Size, format and pixels of the main image, see TextureData.
   unsigned int get_width() const;
   unsigned int get_height() const;
@@ -155,19 +173,25 @@ class ORV_API Texture : public Resource {
   void* get_pixmap_ptr() const;
   unsigned char* get_pixmap_u8_ptr() const;
   float* get_pixmap_f32_ptr() const;
+  /// @}
 
+  /// @{
   /// Make the image a view of the caller's pixels, see Image.
   bool set_pixmap_u8_ptr(unsigned char* pixels);
   bool set_pixmap_f32_ptr(float* pixels);
+  /// @}
 
+  /// @{
   /// The image, a face (null for a number that is none), a layer (null past the end).
   Image* get_image_ptr() const;
   Image* get_cubemap_image_ptr(CUBEMAP_FACE face) const;
   Image* get_layer_image_ptr(unsigned int layer) const;
+  /// @}
 
   /// Converts all pixels of the texture, see TextureData.
   bool update_pixel_format(PIXEL_FORMAT target);
 
+  /// @{
   /// Copy width * height pixels over the image or over a layer. False when the source or the store
   /// is null and past the last layer.
   bool update_pixmap_rgb_u8(const void* src);
@@ -182,17 +206,23 @@ class ORV_API Texture : public Resource {
   bool update_pixmap_rgb_f32_2d_array(unsigned int layer, const void* src);
   bool update_pixmap_rgba_f32_2d_array(unsigned int layer, const void* src);
   bool update_pixmap_r_f32_2d_array(unsigned int layer, const void* src);
+  /// @}
 
   /// Reads the back buffer into the image, which is made anew as RGBA bytes when its size differs.
   bool update_pixmap_rgba_u8_from_framebuffer(Renderer* renderer);
+
+  /// @{
   /// Read colour attachment 0 of a render target into the image, which is made anew when its size
   /// differs.
   bool update_pixmap_rgb_u8_from_render_target(Renderer* renderer, GpuRenderTarget* target);
   bool update_pixmap_rgba_u8_from_render_target(Renderer* renderer, GpuRenderTarget* target);
+  /// @}
+
   /// Takes the renderer's handle of colour attachment 0 as the API object of this texture, without
   /// reading pixels. Targets of format 3 or 4 only. False when the handle is 0, as it is on OpenGL.
   bool update_pixmap_rgba_u8_from_render_target_v2(Renderer* renderer, GpuRenderTarget* target);
 
+  /// @{
   /// Single pixels, see Image::get_pixel and Image::set_pixel. An index is x + width * y.
   bool get_texel_1d(unsigned int index, float* out4) const;
   bool get_texel_2d_v1(unsigned int index, float* out4) const;
@@ -208,7 +238,9 @@ class ORV_API Texture : public Resource {
   bool set_texel_2d_array_v2(unsigned int layer, unsigned int x, unsigned int y,
                              const float* color);
   bool set_texel_2d_array_v3(unsigned int layer, unsigned int index, const float* color);
+  /// @}
 
+  /// @{
   /// Whole-image operations, see Image.
   bool fill_with_noise(unsigned int num_points, const vec4& background, const vec4& point_color,
                        unsigned int seed);
@@ -217,6 +249,7 @@ class ORV_API Texture : public Resource {
   bool update_alpha_channel_binary(const vec4& key_color, float tolerance);
   bool flip_horizontal();
   bool flip_vertical();
+  /// @}
 
  private:
   TextureData* data_ = nullptr;

@@ -32,7 +32,7 @@ class ORV_API TextureArray {
 
   bool owns_layers = true;  ///< when false, cleanup() lets go of the layers without freeing them
   Image* layers = nullptr;  ///< made with new[]
-  unsigned int num_layers = 0;
+  unsigned int num_layers = 0;  ///< entries
 };
 
 }  // namespace orv

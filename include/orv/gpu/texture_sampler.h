@@ -18,11 +18,12 @@ class ORV_API TextureSampler {
   int getid() const { return id; }
 
   int id;  ///< identity within the process; a copy keeps it
-  SAMPLER_FILTERING_MODE filtering_mode = SAMPLER_FILTERING_LINEAR;
-  SAMPLER_ADDRESSING_MODE addressing_mode_s = SAMPLER_ADDRESSING_WRAP;
-  SAMPLER_ADDRESSING_MODE addressing_mode_t = SAMPLER_ADDRESSING_WRAP;
-  SAMPLER_ADDRESSING_MODE addressing_mode_r = SAMPLER_ADDRESSING_WRAP;
-  float anisotropy = 1.0f;             ///< samples, 1 for none
+  SAMPLER_FILTERING_MODE filtering_mode = SAMPLER_FILTERING_LINEAR;  ///< how texels are mixed
+  SAMPLER_ADDRESSING_MODE addressing_mode_s =
+      SAMPLER_ADDRESSING_WRAP;  ///< what lies outside 0 to 1 along s
+  SAMPLER_ADDRESSING_MODE addressing_mode_t = SAMPLER_ADDRESSING_WRAP;  ///< along t
+  SAMPLER_ADDRESSING_MODE addressing_mode_r = SAMPLER_ADDRESSING_WRAP;  ///< along r
+  float anisotropy = 1.0f;                                              ///< samples, 1 for none
   unsigned int api_words[2] = {0, 0};  ///< free for the graphics API
 };
 

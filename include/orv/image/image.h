@@ -55,22 +55,29 @@ class ORV_API Image {
 
   /// The byte store, or codec_pixels when there is none.
   unsigned char* get_u8_ptr() const { return u8_ptr ? u8_ptr : codec_pixels; }
+  /// The float store, null when there is none.
   float* get_f32_ptr() const { return f32_ptr; }
 
+  /// @{
   /// Makes the image a view of the caller's pixels: stores the pointer and clears owns_pixels. The
   /// pixels stay the caller's, and so does the block that was there before: it is not freed (an
   /// Image allocates bytes with new unsigned char[] and floats with new float[]).
   void set_u8_ptr(unsigned char* pixels);
   void set_f32_ptr(float* pixels);
+  /// @}
 
+  /// @{
   /// Nulls a store, and frees it when the image owns it.
   void _delete_u8_ptr();
   void _delete_f32_ptr();
+  /// @}
 
+  /// @{
   /// Size in bytes of a store that the image allocated itself; 0 when the store is null or was
   /// handed in.
   std::size_t get_u8_capacity() const { return u8_ptr == u8_block_ ? u8_capacity_ : 0; }
   std::size_t get_f32_capacity() const { return f32_ptr == f32_block_ ? f32_capacity_ : 0; }
+  /// @}
 
   /// True when the store that the pixel format calls for is there (codec_pixels counts for byte
   /// formats, the 16-bit float formats use the float store) and, if the image allocated it, holds
@@ -81,12 +88,14 @@ class ORV_API Image {
 
   /// Channels of a pixel: 1 to 4, and 0 for formats without a store here.
   static unsigned int get_pixel_format_num_channels(PIXEL_FORMAT format);
+  /// The same for this image's format.
   unsigned int get_pixel_format_num_channels() const {
     return get_pixel_format_num_channels(pixel_format);
   }
 
   /// Bytes of a pixel, and 0 for formats without a store here.
   static unsigned int get_pixel_format_size(PIXEL_FORMAT format);
+  /// The same for this image's format.
   unsigned int get_pixel_format_size() const { return get_pixel_format_size(pixel_format); }
 
   /// Converts the pixels to another format. Floats become bytes by value * 255 cut to an integer
@@ -99,10 +108,12 @@ class ORV_API Image {
 
   /// Id of the plugin that decoded the image, 0 when none did.
   int get_codec_id() const { return codec_id; }
+  /// Stores the id of the plugin that decoded the image.
   void set_codec_id(int id) { codec_id = id; }
 
   // ---- whole image ----
 
+  /// @{
   /// Copies width * height pixels over the store. The name gives the pixel size; pixel_format and
   /// depth are not looked at. False when the store or the source is null.
   bool update_pixmap_rgb_u8(const void* src);
@@ -112,7 +123,9 @@ class ORV_API Image {
   bool update_pixmap_rgb_f32(const void* src);
   bool update_pixmap_rgba_f32(const void* src);
   bool update_pixmap_r_f32(const void* src);
+  /// @}
 
+  /// @{
   /// Writes one colour to width * height pixels of the store, in the stride that the name gives;
   /// pixel_format is not looked at. False when the store is null.
   bool fill_color_rgb_u8(unsigned char r, unsigned char g, unsigned char b);
@@ -121,12 +134,15 @@ class ORV_API Image {
   bool fill_color_r_u8(unsigned char r);
   bool fill_color_rgb_f32(float r, float g, float b);
   bool fill_color_rgba_f32(float r, float g, float b, float a);
+  /// @}
 
+  /// @{
   /// Turns the image upside down, or swaps left and right. A byte image that only borrows
   /// codec_pixels gets a store of its own first. False for the one-channel float format, for
   /// formats without a store here, and without pixels.
   bool flip_vertical();
   bool flip_horizontal();
+  /// @}
 
   /// Fills the image with background and draws points of point_color (0 to 1) at random places:
   /// as many as num_points, at most width * height; a place may be drawn twice. The same seed gives
@@ -134,6 +150,7 @@ class ORV_API Image {
   bool fill_with_noise(unsigned int num_points, const vec4& background, const vec4& point_color,
                        unsigned int seed);
 
+  /// @{
   /// The same for a store of the pixel size that the name gives; pixel_format is not looked at.
   /// False when the store is null.
   bool fill_with_noise_rgb_u8(unsigned int num_points, const vec3u8& background,
@@ -148,15 +165,19 @@ class ORV_API Image {
                                const vec3& point_color, unsigned int seed);
   bool fill_with_noise_rgba_f32(unsigned int num_points, const vec4& background,
                                 const vec4& point_color, unsigned int seed);
+  /// @}
 
   // ---- single pixels ----
 
+  /// @{
   /// Reads a pixel as four floats: bytes as byte / 255, missing G and B as 0, missing alpha as 1.
   /// Byte formats read u8_ptr alone. False past the end (width * height * depth), for a null
   /// result, without a store, and for formats other than the byte formats, 5 and 6.
   bool get_pixel(unsigned int index, float* out4) const;
   bool get_pixel_2d(unsigned int x, unsigned int y, float* out4) const;
+  /// @}
 
+  /// @{
   /// Writes a pixel from four floats. Mind the scale: byte formats take 0 to 255 here, cut to
   /// integers, while get_pixel() gives 0 to 1. The same bounds and failures as get_pixel().
   bool set_pixel(unsigned int index, const vec4& color);
@@ -165,6 +186,7 @@ class ORV_API Image {
   bool set_pixel_v2(unsigned int index, const float* color);
   bool set_pixel_1d_v2(unsigned int index, const float* color);
   bool set_pixel_2d_v2(unsigned int x, unsigned int y, const float* color);
+  /// @}
 
   /// First channel of a pixel, bytes as byte / 255. Reads the 16-bit float formats too, from the
   /// float store. -1 for other formats, without a store and for an index above width * height; the
@@ -193,16 +215,16 @@ class ORV_API Image {
 
   // ---- fields ----
 
-  unsigned int width = 0;
-  unsigned int height = 0;
-  unsigned int depth = 0;  ///< slices; counted by create() and the pixel bounds, ignored elsewhere
-  PIXEL_FORMAT pixel_format = PF_UNKNOWN;
-  bool owns_pixels = false;               ///< the image frees its stores
-  unsigned char* u8_ptr = nullptr;        ///< pixels of the byte formats
-  float* f32_ptr = nullptr;               ///< pixels of the float formats
-  unsigned char* codec_pixels = nullptr;  ///< pixels held by a codec, which frees them; used
-                                          ///< where u8_ptr is null
-  int codec_id = 0;                       ///< plugin id of the codec that made the image
+  unsigned int width = 0;   ///< pixels of a row
+  unsigned int height = 0;  ///< rows
+  unsigned int depth = 0;   ///< slices; counted by create() and the pixel bounds, ignored elsewhere
+  PIXEL_FORMAT pixel_format = PF_UNKNOWN;  ///< what the pixels are; PF_UNKNOWN before create()
+  bool owns_pixels = false;                ///< the image frees its stores
+  unsigned char* u8_ptr = nullptr;         ///< pixels of the byte formats
+  float* f32_ptr = nullptr;                ///< pixels of the float formats
+  unsigned char* codec_pixels = nullptr;   ///< pixels held by a codec, which frees them; used
+                                           ///< where u8_ptr is null
+  int codec_id = 0;                        ///< plugin id of the codec that made the image
 
  private:
   friend struct ImageAccess;

@@ -11,6 +11,7 @@ class ORV_API GpuCommandList {
  public:
   GpuCommandList();
 
+  /// Identity within the process.
   int getid() const { return id; }
 
   char name[128];            ///< "GpuCommandList_" and the id

@@ -12,15 +12,16 @@ class ORV_API GpuPipelineStateData {
  public:
   GpuPipelineStateData();
 
+  /// Identity within the process.
   int getid() const { return id; }
 
-  int id;          ///< identity within the process
-  char name[128];  ///< "GpuPipelineStateData_" and the id
-  bool flags[5] = {};
-  int values[6] = {1, 1, 2, 0, 1, 1};
-  float scale = 1.0f;
-  unsigned char state_flags[14] = {};
-  int modes[5] = {1, 0, 1, 0, 0};
+  int id;                              ///< identity within the process
+  char name[128];                      ///< "GpuPipelineStateData_" and the id
+  bool flags[5] = {};                  ///< the back end's, as the rest below
+  int values[6] = {1, 1, 2, 0, 1, 1};  ///< the back end's
+  float scale = 1.0f;                  ///< the back end's
+  unsigned char state_flags[14] = {};  ///< the back end's
+  int modes[5] = {1, 0, 1, 0, 0};      ///< the back end's
 };
 
 }  // namespace orv

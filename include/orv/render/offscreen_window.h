@@ -36,8 +36,13 @@ class ORV_API OffscreenWindow {
 
   /// What goes into RenderWindowData::native_window. Never null, never used twice.
   void* native_handle();
+
+  /// @{
+  /// Size in pixels, as made or as last resized.
   int get_width() const;
   int get_height() const;
+  /// @}
+
   /// Changes the size. The contents are lost; the context stays, and stays current. False for sizes
   /// below 1 or above 16384 and where the driver cannot give such a surface; then nothing changes.
   bool resize(int width, int height);

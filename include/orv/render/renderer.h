@@ -25,9 +25,11 @@ class ORV_API Renderer : public Plugin {
   Renderer();
   ~Renderer() override;
 
+  /// @{
   /// Copies share the private block and the window; kept for compatibility, not for use.
   Renderer(const Renderer& other);
   Renderer& operator=(const Renderer& other);
+  /// @}
 
 #define ORV_OP(result, name, parameters, arguments, null_result) virtual result name parameters = 0;
 #define ORV_BASE_OP(result, name, parameters, arguments, null_result) \
@@ -41,10 +43,12 @@ class ORV_API Renderer : public Plugin {
 
   /// The window that operations without a window argument mean; borrowed, null at first.
   RenderWindow* get_current_render_window() const { return current_render_window_; }
+  /// Makes another window the current one; null leaves none.
   void set_current_render_window(RenderWindow* window) { current_render_window_ = window; }
 
   /// Number of render targets in the registry, and one of them by index (null past the end).
   unsigned int gpu_render_target_get_num() const;
+  /// Target at an index of the registry, null past its end.
   GpuRenderTarget* gpu_render_target_get_by_index(unsigned int index) const;
 
  protected:

@@ -16,12 +16,18 @@ class ORV_API RendererGpu {
 
   /// Identity within the process.
   int getid() const { return id_; }
+
+  /// @{
   /// Number given at creation, 0 at first.
   unsigned int getindex() const { return index_; }
   void setindex(unsigned int index) { index_ = index; }
+  /// @}
+
+  /// @{
   /// Data of the renderer that made the record; owned by that renderer.
   void* getrdata() const { return rdata_; }
   void setrdata(void* rdata) { rdata_ = rdata; }
+  /// @}
 
  private:
   int id_;

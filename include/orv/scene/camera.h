@@ -32,8 +32,13 @@ class ORV_API Camera : public Object {
 
   // ---- viewport ----
 
+  /// @{
+  /// The rectangle to draw to, in pixels from the lower left corner. Stored only: bind sets it.
   void set_viewport(int x, int y, int width, int height);
   void set_viewport(const Viewport& viewport);
+  /// @}
+
+  /// The rectangle set last.
   const Viewport& get_viewport() const;
   /// The camera's own viewport, to read and write.
   Viewport* get_viewport_ptr();
@@ -60,16 +65,25 @@ class ORV_API Camera : public Object {
                                  bool rh);
   /// Field of view in degrees. This and the three below make the camera a perspective one.
   void set_fov(float degrees);
+  /// Distance of the near plane in scene units.
   void set_znear(float distance);
+  /// Distance of the far plane in scene units.
   void set_zfar(float distance);
+  /// Width over height.
   void set_aspect(float aspect);
+  /// Field of view in degrees.
   float get_fov() const;
   /// Tangent of half the field of view.
   float get_tanfovdiv2() const;
+  /// Distance of the near plane in scene units.
   float get_znear() const;
+  /// Distance of the far plane in scene units.
   float get_zfar() const;
+  /// Width over height.
   float get_aspect() const;
+  /// Whether the projection built or set last is a perspective one.
   bool is_perspective_projection() const;
+  /// The opposite of is_perspective_projection.
   bool is_ortho_projection() const;
   /// Handedness of the next rebuild.
   void set_proj_rh_state(bool rh);
@@ -80,23 +94,37 @@ class ORV_API Camera : public Object {
   void set_projection_matrix(const mat4& matrix);
   /// Up to date.
   const mat4& get_projection_matrix();
+
+  /// @{
   /// The matrix as it was built last.
   mat4* get_projection_matrix_ptr();
   float* get_projection_matrix_float_ptr();
+  /// @}
+
+  /// Inverse of the projection matrix, up to date.
   const mat4& get_inv_projection_matrix();
 
   // ---- view ----
 
+  /// @{
+  /// Moves the camera and keeps its orientation.
   void set_position(float x, float y, float z);
   void set_position(const vec4& position);
+  /// @}
+
+  /// Upward direction and axis of yaw, (0, 1, 0) at first; acts at the next turn.
   void set_up(const vec4& up);
+  /// The upward direction set last.
   const vec4& get_up() const;
+  /// Turns the camera; the target set last is kept.
   void set_orientation(const quat& orientation);
+  /// Rotation from the camera's axes to those of the world.
   const quat& get_orientation() const;
   /// Turns towards a point (w 1) or along a direction (w 0). Any other w is only stored.
   void set_lookat(const vec4& target);
   /// Turns towards a point.
   void set_lookat(float x, float y, float z);
+  /// The same as set_lookat of a vector.
   void set_lookat(float x, float y, float z, float w);
   /// The target set last.
   const vec4& get_lookat() const;
@@ -106,23 +134,33 @@ class ORV_API Camera : public Object {
   /// @param up        up vector and axis of yaw from now on
   /// @param rh        stored; right-handed
   void set_view_params(const vec4& position, const vec4& target, const vec4& up, bool rh);
+  /// Stored: whether the view is right-handed.
   void set_view_rh_state(bool rh);
   /// Turns the camera to look along a direction. (0, 0, 0, 1) does nothing; a zero direction leaves
   /// an orientation of no use.
   void update_direction(const vec4& direction);
   /// Aims at a face of a cube map, in the order of CUBEMAP_FACE; other numbers do nothing.
   void set_orientation_cubemap(int face);
+
+  /// @{
   /// Rebuilds a view matrix that is due. False when there was nothing to do.
   bool update_view_matrix();
   bool update_view_matrix_v2();
+  /// @}
+
   /// Sets the matrix as it stands and takes the position from its inverse. The orientation is that
   /// of the matrix itself, so later turns start from the inverse rotation.
   void set_view_matrix(const mat4& matrix);
   /// Up to date.
   const mat4& get_view_matrix();
+
+  /// @{
   /// The matrix as it was built last.
   mat4* get_view_matrix_ptr();
   float* get_view_matrix_float_ptr();
+  /// @}
+
+  /// Inverse of the view matrix, up to date.
   const mat4& get_inv_view_matrix();
   /// Product of projection and view. After a build_projection_* it is renewed only with the next
   /// change of the view or the next setter of a projection value.
@@ -133,14 +171,20 @@ class ORV_API Camera : public Object {
   void set_reflection_matrix(const vec4& plane);
   /// Mirror in the plane through `point` with a unit `normal`.
   void set_reflection_matrix(const vec4& point, const vec4& normal);
+  /// The matrix set last.
   const mat4& get_reflection_matrix() const;
 
   // ---- turning ----
 
+  /// @{
+  /// Whether yaw turns about the up vector (true) or about the camera's own y axis.
   void set_rotate_around_fixed_yaw_axis(bool state);
   bool get_rotate_around_fixed_yaw_axis() const;
+  /// @}
+
   /// Turns by a rotation applied after the present one.
   void rotate(const quat& rotation);
+  /// The same by an angle and an axis of length 1.
   void rotate(float degrees, const vec4& axis);
   /// Turns further about the yaw axis (the up vector or the camera's own y axis).
   void set_yaw(float degrees);
@@ -148,10 +192,14 @@ class ORV_API Camera : public Object {
   void set_pitch(float degrees);
   /// Turns further about the camera's z axis.
   void set_roll(float degrees);
+
+  /// @{
   /// The angle of the last set_yaw; the two below likewise.
   float get_yaw() const;
   float get_pitch() const;
   float get_roll() const;
+  /// @}
+
   /// set_yaw, then set_pitch.
   void rotate_view(float pitch, float yaw);
 
@@ -161,6 +209,7 @@ class ORV_API Camera : public Object {
   vec4 get_view_vector() const;
   /// Upward direction of the camera, with w 1.
   vec4 get_up_vector() const;
+  /// Moves by `distance` scene units in the direction of view.
   void move_along_view(float distance);
   /// Keeps the height.
   void move_along_view_xz(float distance);
@@ -196,13 +245,20 @@ class ORV_API Camera : public Object {
   void bind(Renderer* renderer, bool viewport, bool scissor, bool projection, bool view, bool flag);
   /// Takes the planes of the frustum from two matrices; null means the camera's own.
   void frustum_update(mat4* projection, mat4* view);
+
+  /// @{
   /// Whether the point is on the inner side of any one plane.
   bool frustum_check_point(float x, float y, float z) const;
   bool frustum_check_point(const vec3& point) const;
   bool frustum_check_point(const vec4& point) const;
+  /// @}
+
+  /// @{
   /// Whether the global sphere of a volume is at least partly inside all planes.
   bool frustum_check_sphere(const BoundingVolume& volume) const;
   bool frustum_check_sphere(const vec4& center, float radius) const;
+  /// @}
+
   /// Whether the global box of a volume is at least partly inside every plane.
   bool frustum_check_aa_box(const BoundingVolume& volume) const;
 

@@ -32,8 +32,11 @@ class ORV_API Model : public Object {
   /// Mesh::init_subsets on each child that is a mesh.
   void init_meshes_subsets();
 
+  /// Parameters of the meshes that create_mesh makes from now on.
   void set_mesh_vertex_alloc_params(const MeshDataVertexAttribsAllocParams& params);
+  /// Whether new meshes keep each attribute in an array of its own.
   bool get_separate_vertex_arrays_state() const;
+  /// Alignment of the arrays of new meshes in bytes, 0 or less for none.
   int get_vertex_alignment() const;
 
  private:

@@ -48,8 +48,11 @@ class ORV_API Object : public Node {
 
   /// Draws the geometry in three steps: prepare, draw, finish.
   virtual void render_geometry(Renderer* renderer);
+  /// First step: what is to be drawn is created where needed, refreshed and bound.
   virtual void render_geometry_prepare(Renderer* renderer);
+  /// Second step: draws what is bound.
   virtual void render_geometry_draw(Renderer* renderer);
+  /// Third step: unbinds it.
   virtual void render_geometry_finish(Renderer* renderer);
 
   // ---- rendering states ----
@@ -128,15 +131,28 @@ class ORV_API Object : public Node {
 
   // ---- editing; a plain object only hands these to its children ----
 
+  /// @{
+  /// Moves all vertices by `offset`, in the object's own space.
   virtual void translate_vertices_position(const vec4& offset, Node* node);
   virtual void translate_vertices_position(const vec3& offset, Node* node);
+  /// @}
+
+  /// Multiplies the positions by `factors`, axis by axis.
   virtual void scale_vertices_position(const vec4& factors, Node* node);
+  /// Turns all vertices about the origin of the object.
   virtual void rotate_vertices_position(const quat& rotation, Node* node);
   /// Angles in degrees, as quat::from_euler takes them.
   virtual void rotate_vertices_position(float x, float y, float z, Node* node);
+
+  /// @{
+  /// Gives all vertices one colour, RGBA, usually in 0 to 1.
   virtual void set_vertices_color(float r, float g, float b, float a, Node* node);
   virtual void set_vertices_color(const vec4& color, Node* node);
+  /// @}
+
+  /// Turns the winding of all faces.
   virtual void flip_faces(Node* node);
+  /// Turns the normals of all vertices round.
   virtual void flip_vertex_normals(Node* node);
 
   // ---- bounding volume from geometry ----
@@ -149,13 +165,19 @@ class ORV_API Object : public Node {
 
   // ---- local transform ----
 
+  /// @{
   /// Moves the object; w becomes 1.
   void set_position(float x, float y, float z);
   void set_position(const vec4& position);
+  /// @}
+
+  /// Place in the space of the parent; w is 1.
   const vec4& get_position() const;
   /// Angles in degrees about the three axes.
   void set_orientation_euler_xyz(float x, float y, float z);
+  /// Turns the object; the Euler angles are not computed from it.
   void set_orientation(const quat& orientation);
+  /// Rotation in the space of the parent.
   const quat& get_orientation() const;
   /// The angles set last, in degrees. Each pointer may be null.
   void get_orientation_euler_angles(float* x, float* y, float* z) const;
@@ -163,9 +185,14 @@ class ORV_API Object : public Node {
   void get_orientation_vectors(vec4* x_axis, vec4* y_axis, vec4* z_axis) const;
   /// The same, three floats each. Each pointer may be null.
   void get_orientation_vectors_v2(float* x_axis, float* y_axis, float* z_axis) const;
+
+  /// @{
+  /// Factors along the object's own axes, 1 at first.
   void set_scale(float x, float y, float z);
   void set_scale(const vec4& scale);
   const vec4& get_scale() const;
+  /// @}
+
   /// Replaces the matrix; the next setter of position, orientation or scale rebuilds it from those.
   void set_transform(const mat4& transform);
   /// Sixteen floats, column by column; null only stops a rebuild that is due.
@@ -174,8 +201,13 @@ class ORV_API Object : public Node {
   void set_transform_v2(const mat4& transform, const vec4& position, const quat& orientation);
   /// The matrix as it was built last; an absolute getter brings it up to date.
   mat4& get_transform() const;
+
+  /// @{
+  /// The same as a pointer into the object, never null; sixteen floats, column by column.
   float* get_transform_float_ptr() const;
   mat4* get_transform_mat4_ptr() const;
+  /// @}
+
   /// The local transform, owned by the object.
   Tripod* get_tripod() const;
 
@@ -185,8 +217,13 @@ class ORV_API Object : public Node {
   /// objects count as identity. The reference stays valid with the object; its value is that of
   /// this call.
   mat4& get_absolute_transform();
+
+  /// @{
+  /// The same as a pointer into the object, never null; sixteen floats, column by column.
   float* get_absolute_transform_float_ptr();
   mat4* get_absolute_transform_mat4_ptr();
+  /// @}
+
   /// Translation of the absolute transform, with w 1.
   const vec4& get_absolute_position();
   /// Rotation of the absolute transform.
@@ -205,18 +242,26 @@ class ORV_API Object : public Node {
 
   // ---- matrices of its own ----
 
+  /// @{
+  /// Matrices that the object keeps for the host and hands to its children; drawing takes those of
+  /// the renderer.
   void set_projection_matrix(const mat4& matrix, Node* node);
   const mat4& get_projection_matrix() const;
   void set_view_matrix(const mat4& matrix, Node* node);
   const mat4& get_view_matrix() const;
+  /// @}
 
   // ---- states ----
 
   /// True marks the object's data as due to be built; derived classes clear it when they build.
   void update_build_state(bool state);
+  /// Whether the data is due to be built.
   bool get_build_state() const;
+  /// See set_use_generic_vertex_attribs_state.
   bool get_use_generic_vertex_attribs_state() const;
+  /// See set_use_gl2_vertex_array_state.
   bool get_use_gl2_vertex_array_state() const;
+  /// See set_use_fixed_mvp_matrices_state.
   bool get_use_fixed_mvp_matrices_state() const;
   /// The program in use, or null; no reference is taken.
   GpuProgram* get_gpu_program() const;
@@ -225,13 +270,24 @@ class ORV_API Object : public Node {
   /// The matrices that _update_automatic_uniforms_gpu_buffer filled.
   const GpuProgramModelViewParams& get_gpu_program_model_view_params() const;
 
+  /// @{
+  /// Whether _render draws the tripod; off at first.
   void set_display_tripod_state(bool state, Node* node);
   bool get_display_tripod_state() const;
+  /// @}
+
+  /// @{
+  /// Length of each axis of the tripod, in scene units.
   const vec4& get_tripod_size() const;
   void set_tripod_size(float x, float y, float z, Node* node);
+  /// @}
 
+  /// @{
+  /// Whether _render draws the grid; off at first.
   void set_display_grid_state(bool state, Node* node);
   bool get_display_grid_state() const;
+  /// @}
+
   /// What display_grid draws; see render_grid for the arguments.
   void set_grid_params(float width, float depth, int lines_x, int lines_z, bool show_axes,
                        bool show_lines);
@@ -251,6 +307,7 @@ class ORV_API Object : public Node {
 
   // ---- list of materials ----
 
+  /// Materials in the list.
   unsigned int get_num_materials() const;
   /// Null past the end.
   Material* get_material_by_index(unsigned int index) const;
@@ -275,6 +332,7 @@ class ORV_API Object : public Node {
 
   // ---- bounding volume ----
 
+  /// The object's bounding volume, to read and write.
   BoundingVolume& bounding_volume_get() const;
   /// Brings the global part up to date, after computing the local part when `force` is true or when
   /// it is due.
@@ -283,21 +341,35 @@ class ORV_API Object : public Node {
   void bounding_volume_update(bool force, mat4* transform);
   /// Whether the next build or update computes the volume from the geometry; cleared by it.
   void bounding_volume_update_from_geometry_set_state(bool state);
+  /// Whether the next build or update computes the volume.
   bool bounding_volume_update_from_geometry_get_state() const;
   /// Whether a radius taken from a box is that of the inscribed sphere.
   bool bounding_sphere_inscribed_sphere() const;
+  /// Takes the inscribed sphere of a box from now on (true) or the one around it.
   void bounding_sphere_use_inscribed_sphere(bool state);
+
+  /// @{
+  /// Local bounding sphere, in the object's own space.
   void set_bounding_sphere(const vec4& center, float radius);
   const vec4& get_bounding_sphere_center() const;
   float get_bounding_sphere_radius() const;
+  /// @}
+
+  /// @{
+  /// Local bounding box, by its corners in the object's own space.
   void set_bounding_box(const vec4& min, const vec4& max);
   const vec4& get_bounding_box_size() const;
   const vec4& get_bounding_box_min() const;
   const vec4& get_bounding_box_max() const;
+  /// @}
+
   /// Grows the global box by another one and takes size, centre and radius from the result.
   void update_global_bounding_volume(const vec4& min, const vec4& max);
+  /// Size of the global box, in the space of the world.
   const vec4& get_global_bounding_box_size() const;
+  /// Centre of the global sphere, in the space of the world.
   const vec4& get_global_bounding_sphere_center() const;
+  /// Radius of the global sphere.
   float get_global_bounding_sphere_radius() const;
 
  protected:

@@ -27,9 +27,11 @@ class ORV_API Scene {
   /// Kills all cameras; models stay. True.
   bool cleanup(Renderer* renderer);
 
+  /// Identity within the process.
   int get_id() const;
   /// Null is ignored. "scene_" and the id at first.
   void set_name(const char* name);
+  /// The name, valid until the next set_name; never null.
   const char* get_name() const;
   /// The root, released by SceneMgr::kill_scene.
   Object* get_root() const;
@@ -50,6 +52,7 @@ class ORV_API Scene {
   bool camera_kill_all(Renderer* renderer);
   /// Takes a camera out of the list without releasing it. False when null or not in the list.
   bool camera_remove(Camera* camera);
+  /// Cameras in the list.
   unsigned int camera_get_num() const;
   /// Null past the end.
   Camera* camera_get_by_index(unsigned int index) const;
@@ -64,6 +67,7 @@ class ORV_API Scene {
   bool model_kill_all(Renderer* renderer);
   /// Takes a model out of the list without releasing it. False when null or not in the list.
   bool model_remove(Model* model);
+  /// Models in the list.
   unsigned int model_get_num() const;
   /// Null past the end.
   Model* model_get_by_index(unsigned int index) const;

@@ -14,6 +14,7 @@ struct SceneMgrData;
 /// Making and killing scenes is locked; the getters are not.
 class ORV_API SceneMgr {
  public:
+  /// The one instance. Never null.
   static SceneMgr* get();
   SceneMgr(const SceneMgr&) = delete;
   SceneMgr& operator=(const SceneMgr&) = delete;
@@ -35,6 +36,7 @@ class ORV_API SceneMgr {
   bool kill_scene(Renderer* renderer, Scene* scene);
   /// True.
   bool kill_all_scenes(Renderer* renderer);
+  /// Scenes in the list.
   unsigned int get_num_scenes() const;
   /// Null past the end.
   Scene* get_scene_by_index(unsigned int index) const;

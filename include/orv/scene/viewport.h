@@ -10,16 +10,22 @@ namespace orv {
 class ORV_API Viewport {
  public:
   Viewport() = default;
+
+  /// @{
+  /// Copies the four numbers.
   Viewport(const Viewport&) = default;
   Viewport& operator=(const Viewport&) = default;
+  /// @}
+
   virtual ~Viewport();
 
+  /// Sets all four numbers.
   void set(int new_x, int new_y, int new_width, int new_height);
 
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
+  int x = 0;       ///< left edge
+  int y = 0;       ///< lower edge
+  int width = 0;   ///< 0 or less draws nothing
+  int height = 0;  ///< 0 or less draws nothing
 };
 
 }  // namespace orv

@@ -14,11 +14,15 @@ class ORV_API FontData {
   char font_name[128] = "Arial";
   /// Height of a character cell in pixels.
   int height = 14;
+
+  /// @{
   /// Rectangle in which the text is placed, in pixels.
   int viewport_x = 0;
   int viewport_y = 0;
   int viewport_width = 0;
   int viewport_height = 0;
+  /// @}
+
   /// Window in which the font is used, as its window system names it. Not owned.
   void* window_handle = nullptr;
   /// Plugin id of the renderer that made the font, 0 for none.

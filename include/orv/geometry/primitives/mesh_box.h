@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshBox : public Mesh {
  public:
   MeshBox();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshBox(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshBox(const MeshBox& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshBox& operator=(const MeshBox&) = default;
 
   /// Segments below 1 count as 1 when built. True.

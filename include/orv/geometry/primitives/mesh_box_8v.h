@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshBox8v : public Mesh {
  public:
   MeshBox8v();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshBox8v(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshBox8v(const MeshBox8v& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshBox8v& operator=(const MeshBox8v&) = default;
 
   /// The sizes along X, Y and Z, for the next build. True.

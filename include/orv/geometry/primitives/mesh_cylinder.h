@@ -13,9 +13,11 @@ namespace orv {
 class ORV_API MeshCylinder : public Mesh {
  public:
   MeshCylinder();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshCylinder(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshCylinder(const MeshCylinder& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshCylinder& operator=(const MeshCylinder&) = default;
 
   /// At least 3 stacks and slices are built; a negative radius counts as 1. True.

@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshDisc : public Mesh {
  public:
   MeshDisc();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshDisc(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshDisc(const MeshDisc& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshDisc& operator=(const MeshDisc&) = default;
 
   /// `radius` is the outer one, `thickness` reaches inwards. At least 4 slices are built. True.

@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshEllipse : public Mesh {
  public:
   MeshEllipse();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshEllipse(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshEllipse(const MeshEllipse& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshEllipse& operator=(const MeshEllipse&) = default;
 
   /// `sweep` is the angle covered, in degrees. At least 3 slices and 1 ring are built. True.

@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshPlane : public Mesh {
  public:
   MeshPlane();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshPlane(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshPlane(const MeshPlane& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshPlane& operator=(const MeshPlane&) = default;
 
   /// Keeps the rotation. Segments below 1 count as 1 when built. True.
@@ -22,10 +24,10 @@ class ORV_API MeshPlane : public Mesh {
   /// With a rotation in degrees.
   bool set_build_params_v2(float width, float height, int wsegs, int hsegs, float rx, float ry,
                            float rz);
-  float get_width() const { return width_; }
-  float get_height() const { return height_; }
-  int get_wsegs() const { return wsegs_; }
-  int get_hsegs() const { return hsegs_; }
+  float get_width() const { return width_; }    ///< in scene units
+  float get_height() const { return height_; }  ///< in scene units
+  int get_wsegs() const { return wsegs_; }      ///< cells along the width
+  int get_hsegs() const { return hsegs_; }      ///< cells along the height
 
   /// Stores the size and rewrites the positions at once. False without built geometry.
   bool update_size(float width, float height);

@@ -12,17 +12,25 @@ namespace orv {
 class ORV_API MeshPQTorus : public Mesh {
  public:
   MeshPQTorus();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshPQTorus(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshPQTorus(const MeshPQTorus& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshPQTorus& operator=(const MeshPQTorus&) = default;
 
-  /// @param u_steps rings along the knot; @param v_steps vertices on a ring
-  /// @param radius of the knot; @param tube_radius of the tube around it
-  /// @param twist_freq wobble of the tube, in cycles along the knot
-  /// @param twist_phase in radians; @param twist_amount share of the tube radius
-  /// @param u_tiling texture repeats around the tube; @param v_tiling along the knot
-  /// @param p @param q turns of the knot about its two axes
+  /// Parameters of the next build.
+  /// @param u_steps       rings along the knot
+  /// @param v_steps       vertices on a ring
+  /// @param radius        of the knot, in scene units
+  /// @param tube_radius   of the tube around it, in scene units
+  /// @param twist_freq    wobble of the tube, in cycles along the knot
+  /// @param twist_phase   in radians
+  /// @param twist_amount  share of the tube radius
+  /// @param u_tiling      texture repeats around the tube
+  /// @param v_tiling      texture repeats along the knot
+  /// @param p             turns of the knot about one axis
+  /// @param q             turns of the knot about the other
   /// @return true
   bool set_build_params(int u_steps, int v_steps, float radius, float tube_radius, float twist_freq,
                         float twist_phase, float twist_amount, float u_tiling, float v_tiling,

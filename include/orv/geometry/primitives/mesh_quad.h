@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshQuad : public Mesh {
  public:
   MeshQuad();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshQuad(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshQuad(const MeshQuad& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshQuad& operator=(const MeshQuad&) = default;
 
   /// The sizes along X and Y, for the next build. True.

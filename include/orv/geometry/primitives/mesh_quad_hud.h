@@ -11,9 +11,11 @@ namespace orv {
 class ORV_API MeshQuadHud : public Mesh {
  public:
   MeshQuadHud();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshQuadHud(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshQuadHud(const MeshQuadHud& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshQuadHud& operator=(const MeshQuadHud&) = default;
 
   /// Marks the square for the next build. True.

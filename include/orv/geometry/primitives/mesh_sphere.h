@@ -12,16 +12,18 @@ namespace orv {
 class ORV_API MeshSphere : public Mesh {
  public:
   MeshSphere();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshSphere(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshSphere(const MeshSphere& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshSphere& operator=(const MeshSphere&) = default;
 
   /// At least 2 stacks and 3 slices are built. True.
   bool set_build_params(float radius, int stacks, int slices);
-  float get_radius() const { return radius_; }
-  int get_stacks() const { return stacks_; }
-  int get_slices() const { return slices_; }
+  float get_radius() const { return radius_; }  ///< in scene units
+  int get_stacks() const { return stacks_; }    ///< as set
+  int get_slices() const { return slices_; }    ///< as set
 
   bool _build() override;
 

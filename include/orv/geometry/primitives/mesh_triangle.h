@@ -12,9 +12,11 @@ namespace orv {
 class ORV_API MeshTriangle : public Mesh {
  public:
   MeshTriangle();
+  /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshTriangle(VERTEX_FORMAT format);
   /// A new node that shares the geometry.
   MeshTriangle(const MeshTriangle& other);
+  /// Shares the geometry of the other and takes over its parameters.
   MeshTriangle& operator=(const MeshTriangle&) = default;
 
   /// The corners, counter-clockwise seen from the front, for the next build. True.
