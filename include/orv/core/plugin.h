@@ -10,10 +10,10 @@ namespace orv {
 
 /// What a plugin is. A module may use further numbers for interfaces of its own.
 enum PLUGIN_TYPE : int {
-  PLUGIN_TYPE_UNKNOWN = 0,
-  PLUGIN_TYPE_RENDERER = 1,
-  PLUGIN_TYPE_IMAGE_CODEC = 3,
-  PLUGIN_TYPE_LOADER3D = 5
+  PLUGIN_TYPE_UNKNOWN = 0,      ///< not told
+  PLUGIN_TYPE_RENDERER = 1,     ///< a Renderer
+  PLUGIN_TYPE_IMAGE_CODEC = 3,  ///< an ImageCodec
+  PLUGIN_TYPE_LOADER3D = 5      ///< a Loader3D
 };
 
 struct PluginData;

@@ -6,25 +6,25 @@ namespace orv {
 
 /// Standard vertex attributes; the first four are also the indices of the standard arrays.
 enum VERTEX_ATTRIB_TYPE : int {
-  VERTEX_ATTRIB_POSITION = 0,
-  VERTEX_ATTRIB_UV0 = 1,
-  VERTEX_ATTRIB_NORMAL = 2,
-  VERTEX_ATTRIB_COLOR = 3,
-  VERTEX_ATTRIB_UV1 = 4,
-  VERTEX_ATTRIB_TANGENT = 5
+  VERTEX_ATTRIB_POSITION = 0,  ///< place
+  VERTEX_ATTRIB_UV0 = 1,       ///< texture coordinates
+  VERTEX_ATTRIB_NORMAL = 2,    ///< direction of the surface
+  VERTEX_ATTRIB_COLOR = 3,     ///< RGBA
+  VERTEX_ATTRIB_UV1 = 4,       ///< second texture coordinates
+  VERTEX_ATTRIB_TANGENT = 5    ///< direction of u
 };
 
 /// How vertices are assembled when drawn. Any other value draws triangles.
 enum PRIMITIVE_TYPE : int {
-  PRIMITIVE_TRIANGLES = 0,
-  PRIMITIVE_TRIANGLE_STRIP = 1,
-  PRIMITIVE_LINES = 2,
-  PRIMITIVE_LINE_STRIP = 3,
-  PRIMITIVE_LINE_LOOP = 4,
-  PRIMITIVE_LINES_ADJACENCY = 5,
-  PRIMITIVE_LINE_STRIP_ADJACENCY = 6,
-  PRIMITIVE_PATCHES = 7,
-  PRIMITIVE_POINTS = 8
+  PRIMITIVE_TRIANGLES = 0,             ///< three vertices each
+  PRIMITIVE_TRIANGLE_STRIP = 1,        ///< each vertex makes one with the two before it
+  PRIMITIVE_LINES = 2,                 ///< two vertices each
+  PRIMITIVE_LINE_STRIP = 3,            ///< one line through all vertices
+  PRIMITIVE_LINE_LOOP = 4,             ///< the same, closed
+  PRIMITIVE_LINES_ADJACENCY = 5,       ///< four vertices each, the outer two for geometry shaders
+  PRIMITIVE_LINE_STRIP_ADJACENCY = 6,  ///< a strip with one more vertex at each end
+  PRIMITIVE_PATCHES = 7,               ///< for tessellation, see Renderer::set_patch_vertices
+  PRIMITIVE_POINTS = 8                 ///< one vertex each
 };
 
 /// What kind of generic index list `alloc_face_data_v2` makes.

@@ -6,13 +6,13 @@ namespace orv {
 
 /// Stage of a GPU program; indexes the per-stage arrays of GpuProgramData.
 enum GPU_SHADER_TYPE : int {
-  GPU_SHADER_VERTEX = 0,
-  GPU_SHADER_PIXEL = 1,
-  GPU_SHADER_GEOMETRY = 2,
-  GPU_SHADER_TESS_CONTROL = 3,
-  GPU_SHADER_TESS_EVAL = 4,
-  GPU_SHADER_COMPUTE = 5,
-  GPU_SHADER_D3D_EFFECT = 7
+  GPU_SHADER_VERTEX = 0,        ///< once for each vertex
+  GPU_SHADER_PIXEL = 1,         ///< once for each pixel
+  GPU_SHADER_GEOMETRY = 2,      ///< once for each primitive
+  GPU_SHADER_TESS_CONTROL = 3,  ///< how finely a patch is cut
+  GPU_SHADER_TESS_EVAL = 4,     ///< vertices of a cut patch
+  GPU_SHADER_COMPUTE = 5,       ///< without drawing
+  GPU_SHADER_D3D_EFFECT = 7     ///< effect file of a Direct3D back end
 };
 
 /// Type of a uniform value kept in a GpuProgramUniform.
@@ -56,68 +56,68 @@ enum GPU_SHADER_UNIFORM : int {
 
 /// What a GPU buffer is bound as.
 enum GPU_BUFFER_TYPE : int {
-  GPU_BUFFER_ARRAY = 0,
-  GPU_BUFFER_ELEMENT_ARRAY = 1,
-  GPU_BUFFER_PIXEL_UNPACK = 2,
-  GPU_BUFFER_UNIFORM = 3,
-  GPU_BUFFER_SHADER_STORAGE = 4,
-  GPU_BUFFER_ATOMIC_COUNTER = 5,
-  GPU_BUFFER_TEXTURE = 6
+  GPU_BUFFER_ARRAY = 0,           ///< vertices
+  GPU_BUFFER_ELEMENT_ARRAY = 1,   ///< indices
+  GPU_BUFFER_PIXEL_UNPACK = 2,    ///< pixels on their way to a texture
+  GPU_BUFFER_UNIFORM = 3,         ///< uniform blocks
+  GPU_BUFFER_SHADER_STORAGE = 4,  ///< storage blocks
+  GPU_BUFFER_ATOMIC_COUNTER = 5,  ///< counters of shaders
+  GPU_BUFFER_TEXTURE = 6          ///< texels of a buffer texture
 };
 
 /// How a buffer will be used. Any other value means static drawing.
 enum BUFFER_OBJECT_USAGE : int {
-  BUFFER_USAGE_STATIC_DRAW = 1,
-  BUFFER_USAGE_STATIC_READ = 2,
-  BUFFER_USAGE_STATIC_COPY = 3,
-  BUFFER_USAGE_DYNAMIC_DRAW = 4,
-  BUFFER_USAGE_DYNAMIC_READ = 5,
-  BUFFER_USAGE_DYNAMIC_COPY = 6,
-  BUFFER_USAGE_STREAM_DRAW = 7,
-  BUFFER_USAGE_STREAM_READ = 8,
-  BUFFER_USAGE_STREAM_COPY = 9
+  BUFFER_USAGE_STATIC_DRAW = 1,   ///< written once by the host, drawn often
+  BUFFER_USAGE_STATIC_READ = 2,   ///< written once by the GPU, read by the host
+  BUFFER_USAGE_STATIC_COPY = 3,   ///< written once by the GPU, used there
+  BUFFER_USAGE_DYNAMIC_DRAW = 4,  ///< written often by the host, drawn often
+  BUFFER_USAGE_DYNAMIC_READ = 5,  ///< written often by the GPU, read by the host
+  BUFFER_USAGE_DYNAMIC_COPY = 6,  ///< written often by the GPU, used there
+  BUFFER_USAGE_STREAM_DRAW = 7,   ///< written by the host for each use
+  BUFFER_USAGE_STREAM_READ = 8,   ///< written by the GPU for each reading
+  BUFFER_USAGE_STREAM_COPY = 9    ///< written by the GPU for each use there
 };
 
 /// Access wanted of mapped memory or of an image. Any other value means read and write.
 enum DATA_ACCESS_TYPE : int {
-  DATA_ACCESS_WRITE_ONLY = 1,
-  DATA_ACCESS_READ_ONLY = 2,
-  DATA_ACCESS_READ_WRITE = 3
+  DATA_ACCESS_WRITE_ONLY = 1,  ///< old contents are not read
+  DATA_ACCESS_READ_ONLY = 2,   ///< nothing is written
+  DATA_ACCESS_READ_WRITE = 3   ///< both
 };
 
 /// Kind of a texture. Any other value is taken for TEXTURE_2D.
 enum TEXTURE_TYPE : int {
-  TEXTURE_1D = 1,
-  TEXTURE_2D = 2,
-  TEXTURE_3D = 3,
-  TEXTURE_CUBE = 4,
-  TEXTURE_2D_MULTISAMPLE = 5,
-  TEXTURE_RECTANGLE = 6,
-  TEXTURE_2D_ARRAY = 7
+  TEXTURE_1D = 1,              ///< a row
+  TEXTURE_2D = 2,              ///< a picture
+  TEXTURE_3D = 3,              ///< a block
+  TEXTURE_CUBE = 4,            ///< six square pictures
+  TEXTURE_2D_MULTISAMPLE = 5,  ///< several samples a pixel
+  TEXTURE_RECTANGLE = 6,       ///< a picture with coordinates in pixels
+  TEXTURE_2D_ARRAY = 7         ///< pictures of one size
 };
 
 /// Face of a cube map, in the order of the OpenGL face constants.
 enum CUBEMAP_FACE : int {
-  CUBEMAP_FACE_POSITIVE_X = 0,
-  CUBEMAP_FACE_NEGATIVE_X = 1,
-  CUBEMAP_FACE_POSITIVE_Y = 2,
-  CUBEMAP_FACE_NEGATIVE_Y = 3,
-  CUBEMAP_FACE_POSITIVE_Z = 4,
-  CUBEMAP_FACE_NEGATIVE_Z = 5
+  CUBEMAP_FACE_POSITIVE_X = 0,  ///< right
+  CUBEMAP_FACE_NEGATIVE_X = 1,  ///< left
+  CUBEMAP_FACE_POSITIVE_Y = 2,  ///< top
+  CUBEMAP_FACE_NEGATIVE_Y = 3,  ///< bottom
+  CUBEMAP_FACE_POSITIVE_Z = 4,  ///< along +Z
+  CUBEMAP_FACE_NEGATIVE_Z = 5   ///< along -Z
 };
 
 /// How a texture is read between its pixels. Trilinear reads between its levels too.
 enum SAMPLER_FILTERING_MODE : int {
-  SAMPLER_FILTERING_NEAREST = 1,
-  SAMPLER_FILTERING_LINEAR = 2,
-  SAMPLER_FILTERING_TRILINEAR = 3
+  SAMPLER_FILTERING_NEAREST = 1,   ///< the closest texel
+  SAMPLER_FILTERING_LINEAR = 2,    ///< a mix of the closest ones
+  SAMPLER_FILTERING_TRILINEAR = 3  ///< a mix of two mipmap levels, too
 };
 
 /// What a texture gives outside 0 to 1.
 enum SAMPLER_ADDRESSING_MODE : int {
-  SAMPLER_ADDRESSING_WRAP = 1,
-  SAMPLER_ADDRESSING_CLAMP = 2,
-  SAMPLER_ADDRESSING_MIRROR = 3
+  SAMPLER_ADDRESSING_WRAP = 1,   ///< the picture again
+  SAMPLER_ADDRESSING_CLAMP = 2,  ///< its edge
+  SAMPLER_ADDRESSING_MIRROR = 3  ///< the picture again, mirrored every other time
 };
 
 }  // namespace orv

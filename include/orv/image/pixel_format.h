@@ -6,6 +6,10 @@ namespace orv {
 
 /// Layout of one pixel. Byte formats (U8) use an Image's byte store, all float formats its float
 /// store; the integer formats from PF_R_U32 on serve render targets only.
+///
+/// A name tells the channels in their order and the kind of each: U unsigned, I signed, F floating
+/// point, and its bits. Bytes of the formats up to PF_RG_U8 stand for 0 to 1; the formats from
+/// PF_R_U32 on hold whole numbers.
 enum PIXEL_FORMAT : int {
   PF_UNKNOWN = 0,
   PF_RGB_U8 = 1,
