@@ -50,9 +50,13 @@ ImageCodec* TextureMgrData::find_codec(int plugin_id) const {
   return nullptr;
 }
 
-void TextureMgrData::free_image(Image* image) const {
+void TextureMgrData::free_lent_pixels(Image* image) const {
   ImageCodec* codec = find_codec(image->get_codec_id());
   if (codec && codec->free_image_resources(image)) image->codec_pixels = nullptr;
+}
+
+void TextureMgrData::free_image(Image* image) const {
+  free_lent_pixels(image);
   image->cleanup();
 }
 

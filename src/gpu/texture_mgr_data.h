@@ -33,6 +33,8 @@ struct TextureMgrData {
     return false;
   }
 
+  /// Asks the codec that made an image to free the pixels that it lent to it.
+  void free_lent_pixels(Image* image) const;
   /// Frees the pixels of an image: those that its codec holds and those that it owns.
   void free_image(Image* image) const;
 };

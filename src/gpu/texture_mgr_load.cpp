@@ -38,6 +38,40 @@ bool hand_over(Texture* texture, Image& image) {
   return true;
 }
 
+/// Pixels that a codec lent to an image which is about to get others. Once it has them, nobody else
+/// would give the old ones back, and a new codec could not free them.
+class LentPixels {
+ public:
+  explicit LentPixels(const Image* image) {
+    if (!image) return;
+    old_.create(image->width, image->height, image->depth, image->pixel_format, false, false);
+    old_.codec_pixels = image->codec_pixels;
+    old_.set_codec_id(image->get_codec_id());
+  }
+
+  int get_codec_id() const { return old_.get_codec_id(); }
+
+  void give_back(const TextureMgrData& state, Image& image) {
+    const bool is_shown = image.codec_pixels == old_.codec_pixels;
+    if (!old_.codec_pixels || (is_shown && image.get_codec_id() == get_codec_id())) return;
+    if (is_shown) image.codec_pixels = nullptr;
+    state.free_lent_pixels(&old_);
+  }
+
+ private:
+  Image old_;
+};
+
+/// Replaces pixels that a codec lends by a copy, and gives them back.
+void own_pixels(ImageCodec& codec, Image& image) {
+  const detail::FormatInfo info = detail::format_info(image.pixel_format);
+  if (!image.codec_pixels || image.u8_ptr || info.store != detail::StoreKind::BYTES) return;
+  if (!image.create(image.width, image.height, 1, image.pixel_format, false, true)) return;
+  std::memcpy(image.u8_ptr, image.codec_pixels, image.get_u8_capacity());
+  codec.free_image_resources(&image);
+  image.codec_pixels = nullptr;
+}
+
 /// One codec's part in loading the single image of a texture. decode(codec, image) fills an image.
 template <typename Decode>
 bool load_image_with(TextureMgr& manager, TextureMgrData& state, ImageCodec& codec,
@@ -45,8 +79,12 @@ bool load_image_with(TextureMgr& manager, TextureMgrData& state, ImageCodec& cod
   Image image;
   if (!decode(codec, image)) return false;
   image.set_codec_id(codec.get_id());
+  const TextureData* old_data = texture->get_data_ptr();
+  LentPixels lent(texture->get_image_ptr());
   const bool is_loaded = hand_over(texture, image);
   TextureData* data = texture->get_data_ptr();
+  // A texture class of a host may have taken another block.
+  if (is_loaded && data && data == old_data) lent.give_back(state, data->image);
   if (data && data->update_pixel_format(format)) data->gpu_update_needed = true;
   manager.add_texture(texture);
   if (is_loaded) state.last_codec = &codec;
@@ -60,6 +98,8 @@ bool load_face_with(TextureMgrData& state, ImageCodec& codec, Texture* texture, 
   Image image;
   if (!decode(codec, image)) return false;
   image.set_codec_id(codec.get_id());
+  // Nothing asks for the pixels of faces again.
+  own_pixels(codec, image);
   if (!texture->load_cubemap_face_image(face, image)) return false;
   state.last_codec = &codec;
   return true;
@@ -106,7 +146,7 @@ bool TextureMgr::load_image_from_file(Texture* texture, const char* filename, bo
 bool TextureMgr::load_texture_2d_from_file(Texture* texture, const char* filename, bool flip,
                                            PIXEL_FORMAT format) {
   if (!load_image_from_file(texture, filename, flip, format)) return false;
-  texture->get_data_ptr()->type = TEXTURE_2D;
+  if (TextureData* data = texture->get_data_ptr()) data->type = TEXTURE_2D;
   return true;
 }
 
@@ -196,10 +236,12 @@ bool TextureMgr::load_texture_2d_array_layer_from_file(Texture* texture, unsigne
   if (!texture || !filename) return false;
   return data_->try_codecs([&](ImageCodec& codec) {
     Image* image = texture->get_layer_image_ptr(layer);
-    if (!image || !codec.load_image_from_file(image, filename, flip, image->pixel_format)) {
-      return false;
-    }
+    if (!image) return false;
+    LentPixels lent(image);
+    if (!codec.load_image_from_file(image, filename, flip, image->pixel_format)) return false;
     image->set_codec_id(codec.get_id());
+    // A codec sees its own pixels and deals with them itself.
+    if (lent.get_codec_id() != codec.get_id()) lent.give_back(*data_, *image);
     texture->get_data_ptr()->gpu_update_needed = true;
     add_texture(texture);
     data_->last_codec = &codec;
@@ -257,7 +299,7 @@ bool update_gpu_memory_with(TextureMgrData& state, ImageCodec& codec, Renderer* 
                             PIXEL_FORMAT format) {
   Image image;
   if (!codec.load_image_from_file(&image, filename, flip, format)) return false;
-  data.update_pixel_format(format);
+  if (data.update_pixel_format(format)) data.gpu_update_needed = true;
   bool is_updated = false;
   // Who holds the pixels frees them; the conversion below leaves them alone.
   ImageCodec* pixel_holder = image.codec_pixels ? &codec : state.last_codec;
@@ -299,26 +341,26 @@ namespace {
 
 bool fit_screenshot(Image& image, unsigned int width, unsigned int height) {
   if (width == 0 || height == 0) return false;
-  if (image.width == width && image.height == height && image.u8_ptr && image.has_pixels()) {
-    return true;
-  }
-  return image.create(width, height, 1, PF_BGRA_U8, true, true);
+  // A codec that wrote the last one may have changed the image.
+  const bool is_fit = image.width == width && image.height == height && image.depth == 1 &&
+                      image.pixel_format == PF_BGRA_U8 && image.get_u8_capacity() > 0;
+  return (is_fit && image.has_pixels()) || image.create(width, height, 1, PF_BGRA_U8, true, true);
 }
 
-/// Offers the picture to every codec of a name until one can write it.
-bool save_with_codecs_named(const TextureMgrData& state, const std::string& name, Image* image,
-                            const char* filename) {
-  for (ImageCodec* codec : state.image_codecs) {
-    if (name == codec->get_name() && codec->save_image_to_file(image, filename)) return true;
-  }
-  return false;
-}
-
+/// Offers the picture to every codec of the current name and then of the fallback's, until one can
+/// write it.
 bool save_screenshot(TextureMgrData& state, const char* filename, bool flip) {
   Image* image = &state.screenshot_image;
   if (flip) image->flip_vertical();
-  return save_with_codecs_named(state, state.current_image_codec_name, image, filename) ||
-         save_with_codecs_named(state, state.fallback_image_codec_name, image, filename);
+  // A codec may change both the names and the list.
+  const std::string names[] = {state.current_image_codec_name, state.fallback_image_codec_name};
+  for (const std::string& name : names) {
+    for (std::size_t i = 0; i < state.image_codecs.size(); ++i) {
+      ImageCodec* codec = state.image_codecs[i];
+      if (name == codec->get_name() && codec->save_image_to_file(image, filename)) return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
