@@ -5,6 +5,8 @@
 #include <orv/math/vec4.h>
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <type_traits>
 
 namespace orv {
@@ -33,20 +35,6 @@ template <class T>
 void store_changed(GpuProgramUniform* uniform, bool fresh, T* target, const T* values, int count) {
   if (!fresh && uniform->num_uploads >= 1 && std::equal(values, values + count, target)) return;
   std::copy_n(values, count, target);
-  uniform->dirty = true;
-}
-
-template <class T>
-void store_array(GpuProgramUniform* uniform, T*& array, int count, int elements, const T* values) {
-  const std::size_t size = static_cast<std::size_t>(count) * static_cast<std::size_t>(elements);
-  if (!array || uniform->count != count || uniform->elements != elements) {
-    T* block = new T[size];
-    delete[] array;
-    array = block;
-    uniform->count = count;
-    uniform->elements = elements;
-  }
-  std::copy_n(values, size, array);
   uniform->dirty = true;
 }
 
@@ -83,7 +71,7 @@ void GpuProgramData::copy_uniforms(const GpuProgramData& other) {
   kill_uniforms();
   num_uniform_slots = other.num_uniform_slots;
   if (other.uniforms) uniforms = new GpuProgramUniform* [num_uniform_slots] {};
-  for (unsigned int i = 0; i < num_uniform_slots; ++i) {
+  for (unsigned int i = 0; uniforms && i < num_uniform_slots; ++i) {
     if (other.uniforms[i]) uniforms[i] = new GpuProgramUniform(*other.uniforms[i]);
   }
   std::copy_n(other.num_subroutine_uniforms, NUM_SUBROUTINE_STAGES, num_subroutine_uniforms);
@@ -221,7 +209,11 @@ GpuProgramUniform* GpuProgramData::engine_uniform(ENGINE_UNIFORM which) const {
   if (which < 0 || which >= ENGINE_UNIFORM_COUNT) return nullptr;
   GpuProgramUniform*& record = uniform_index_->engine_records[which];
   unsigned int& record_slot = uniform_index_->engine_slots[which];
-  if (record && record_slot < num_uniform_slots && uniforms[record_slot] == record) return record;
+  // The list is open: another record may have come to the same place.
+  if (record && record_slot < num_uniform_slots && uniforms[record_slot] == record &&
+      uniform_name_key(record->name) == uniform_name_key(engine_uniform_names[which])) {
+    return record;
+  }
   const int slot = find_slot(engine_uniform_names[which]);
   record = slot < 0 ? nullptr : uniforms[slot];
   record_slot = slot < 0 ? 0 : static_cast<unsigned int>(slot);
@@ -261,9 +253,12 @@ bool GpuProgramData::set_values(Key key, GPU_SHADER_UNIFORM type,
                                 T (GpuProgramUniform::*field)[SIZE], int count, const T* values) {
   if (!has_key(key)) return !std::is_pointer_v<Key>;
   if (!values) return true;
+  // The values may lie in an array of this record, which goes with its type.
+  T copy[SIZE];
+  std::copy_n(values, count, copy);
   bool fresh = false;
   GpuProgramUniform* uniform = uniform_to_set(key, type, &fresh);
-  store_changed(uniform, fresh || std::is_integral_v<T>, uniform->*field, values, count);
+  store_changed(uniform, fresh || std::is_integral_v<T>, uniform->*field, copy, count);
   return true;
 }
 
@@ -273,9 +268,23 @@ bool GpuProgramData::set_array(const char* name, GPU_SHADER_UNIFORM type,
                                const T* values) {
   if (!name) return false;
   if (!values || count < 1 || !is_vector(elements)) return true;
-  bool fresh = false;
-  GpuProgramUniform* uniform = uniform_to_set(name, type, &fresh);
-  store_array(uniform, uniform->*field, count, elements, values);
+  const std::size_t size = static_cast<std::size_t>(count) * static_cast<std::size_t>(elements);
+  GpuProgramUniform* uniform = find_uniform(name);
+  if (uniform && uniform->*field && uniform->type == type && uniform->count == count &&
+      uniform->elements == elements) {
+    std::memmove(uniform->*field, values, size * sizeof(T));
+  } else {
+    // Copied first: the values may lie in an array of this record, which goes with its shape.
+    std::unique_ptr<T[]> block(new T[size]);
+    std::copy_n(values, size, block.get());
+    bool fresh = false;
+    uniform = uniform_to_set(name, type, &fresh);
+    delete[](uniform->*field);
+    uniform->*field = block.release();
+    uniform->count = count;
+    uniform->elements = elements;
+  }
+  uniform->dirty = true;
   return true;
 }
 
@@ -422,8 +431,8 @@ bool GpuProgramData::set_uniform_subroutine(GPU_SHADER_TYPE type, const char* un
     uniform->shader_type = type;
     count_subroutine(uniform, +1);
   }
-  std::fill(std::begin(uniform->subroutine_name), std::end(uniform->subroutine_name), '\0');
-  std::copy(key.begin(), key.end(), uniform->subroutine_name);
+  std::memmove(uniform->subroutine_name, key.data(), key.size());
+  std::fill(uniform->subroutine_name + key.size(), std::end(uniform->subroutine_name), '\0');
   uniform->dirty = true;
   uniforms_optimized = false;
   return true;
