@@ -1,47 +1,21 @@
 // The programs of the guide run off screen, and each leaves the picture that the guide describes.
-#include <orv/orv.h>
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
 #include <string>
 
-#include "support/image_compare.h"
+#include "docs/guide_programs.h"
 
 namespace orv::test {
 namespace {
 
-const std::string source_dir = ORV_SOURCE_DIR;
+const std::string shaders = ORV_SOURCE_DIR "/docs/guide/";
 
-std::string quoted(const std::string& text) { return " '" + text + "'"; }
-
-// Runs a step without a display; its picture lands in the folder of the tests' outputs.
-int run_step(int step, const std::string& picture, const std::string& shaders) {
-  const std::string command = "env -u DISPLAY '" GUIDE_PROGRAMS + std::to_string(step) + "'" +
-                              quoted(picture) + quoted(shaders) +
-                              quoted(source_dir + "/apps/demo/data/");
-  return std::system(command.c_str());
-}
-
-// Reads a picture with the library's own codec, turned to bottom row first.
-Picture read_picture(const std::string& path) {
-  Picture picture;
-  core::start(nullptr, false, nullptr, nullptr);
-  Texture* texture =
-      TextureMgr::get()->create_texture_2d_from_file(path.c_str(), false, PF_RGBA_U8);
-  if (texture) {
-    texture->flip_vertical();
-    picture.width = static_cast<int>(texture->get_width());
-    picture.height = static_cast<int>(texture->get_height());
-    const unsigned char* pixels = texture->get_pixmap_u8_ptr();
-    picture.rgba.assign(pixels,
-                        pixels + std::size_t{4} * texture->get_width() * texture->get_height());
-  }
-  core::stop(nullptr);
-  return picture;
+// Runs a step without a display.
+int run_step(int step, const std::string& picture, const std::string& folder) {
+  return std::system(("env -u DISPLAY " + guide_command(step, picture, folder)).c_str());
 }
 
 std::size_t count_colors(const Picture& picture) {
@@ -64,9 +38,9 @@ TEST_P(Guide, StepDrawsItsPicture) {
   const Step step = GetParam();
   if (step.number == 6 && !GUIDE_WITH_WINDOW) GTEST_SKIP() << "built without SDL2";
   const std::string name = "guide_step" + std::to_string(step.number);
-  const std::string file = std::string(ORV_TEST_OUTPUT_DIR) + "/" + name + ".jpg";
+  const std::string file = guide_output(name);
   std::remove(file.c_str());
-  ASSERT_EQ(run_step(step.number, file, source_dir + "/docs/guide/"), 0);
+  ASSERT_EQ(run_step(step.number, file, shaders), 0);
   const Picture picture = read_picture(file);
   ASSERT_EQ(picture.width, 256);
   ASSERT_EQ(picture.height, 256);
@@ -80,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Steps, Guide,
                          [](const auto& step) { return std::to_string(step.param.number); });
 
 TEST(GuideFailures, ProgramsEndWithAnErrorWhenTheirFilesAreMissing) {
-  const std::string file = std::string(ORV_TEST_OUTPUT_DIR) + "/guide_missing.jpg";
+  const std::string file = guide_output("guide_missing");
   std::remove(file.c_str());
   for (int step : {3, 4, 5}) EXPECT_NE(run_step(step, file, "/nonexistent/"), 0) << step;
   EXPECT_EQ(std::fopen(file.c_str(), "rb"), nullptr);
