@@ -187,13 +187,16 @@ void Material::unbind_gpu_program(Renderer* renderer) {
 }
 
 void Material::bind_textures(Renderer* renderer) {
-  unsigned int unit = data_->texture_unit_offset;
-  for (Texture* texture : data_->textures) texture->bind(renderer, unit++);
+  // By index: a texture class of a host may change the list.
+  for (unsigned int i = 0; i < get_num_textures(); ++i) {
+    data_->textures[i]->bind(renderer, data_->texture_unit_offset + i);
+  }
 }
 
 void Material::unbind_textures(Renderer* renderer) {
-  unsigned int unit = data_->texture_unit_offset;
-  for (Texture* texture : data_->textures) texture->unbind(renderer, unit++);
+  for (unsigned int i = 0; i < get_num_textures(); ++i) {
+    data_->textures[i]->unbind(renderer, data_->texture_unit_offset + i);
+  }
 }
 
 void Material::fixed_pipeline_bind_colors(Renderer* renderer) {
@@ -238,7 +241,7 @@ unsigned int Material::async_loading_process_all_texture_filenames(Renderer* ren
       log.tracef_error("Material %s: texture %ld (%s) loading FAILED.", get_name(), index,
                        full.c_str());
       log.tracef_error("Material %s: let's do a second attempt...", get_name());
-      full = folder + base_name(full);
+      full = base_name(full).insert(0, folder);
       loaded = load_texture(renderer, full.c_str(), format, flag) != nullptr;
     }
     if (loaded) {

@@ -35,6 +35,13 @@ TEST(GpuRenderTarget, OpenGLBlockStartsWithTheDescribedConstants) {
   EXPECT_EQ(gl.depth_internal_format, 0x81A6u);
   EXPECT_EQ(gl.depth_filter, 0x2600u);
   EXPECT_EQ(gl.depth_wrap, 0x2900u);
+  EXPECT_EQ(gl.num_color_renderbuffers, 0u);
+  for (const unsigned int id : gl.color_renderbuffers) EXPECT_EQ(id, 0u);
+  for (const unsigned int id : gl.color_textures) EXPECT_EQ(id, 0u);
+  for (const unsigned int id :
+       {gl.depth_renderbuffer, gl.depth_texture, gl.color_cube_texture, gl.depth_cube_texture}) {
+    EXPECT_EQ(id, 0u);
+  }
 }
 
 TEST(GpuRenderTarget, IdsDiffer) {

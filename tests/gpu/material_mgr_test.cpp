@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace orv {
 namespace {
 
@@ -21,6 +23,14 @@ TEST(MaterialMgr, CreatedMaterialIsNamedAndRegisteredOnce) {
   EXPECT_EQ(material->get_ref(), 1);
   EXPECT_TRUE(manager.stop(nullptr));
   EXPECT_EQ(manager.get_num_resources(), 0u);
+}
+
+TEST(MaterialMgr, NullNameKeepsTheDefault) {
+  MaterialMgr manager;
+  Material* material = manager.create_material(nullptr);
+  EXPECT_EQ(material->get_name(), "node_" + std::to_string(material->get_id()));
+  EXPECT_TRUE(manager.has_resource(material));
+  manager.stop(nullptr);
 }
 
 TEST(MaterialMgr, NullMaterialIsRefused) {

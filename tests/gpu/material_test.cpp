@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "support/held.h"
 #include "support/log_capture.h"
 #include "support/recording_renderer.h"
 
@@ -257,6 +258,23 @@ TEST_F(MaterialTest, TextureAddedTwiceIsBoundToTwoUnits) {
   material.bind_textures(&renderer);
   EXPECT_THAT(calls, ElementsAre("bind 0", "bind 1"));
   material.remove_all_textures();
+}
+
+TEST_F(MaterialTest, TextureMayChangeTheListWhileItIsBound) {
+  class ClearingTexture : public Texture {
+   public:
+    explicit ClearingTexture(Material* material) : material_(material) {}
+    bool bind(Renderer*, unsigned int) override { return material_->remove_all_textures(); }
+
+   private:
+    Material* material_;
+  };
+  test::Held<ClearingTexture> clearing(&material);
+  material.add_texture(clearing);
+  add_spy();
+  material.bind_textures(&renderer);
+  EXPECT_THAT(calls, IsEmpty());
+  EXPECT_EQ(material.get_num_textures(), 0u);
 }
 
 TEST_F(MaterialTest, ProgramIsBoundAlone) {

@@ -131,10 +131,15 @@ TEST(RendererTargets, FreeTouchesNoApiObject) {
 }
 
 TEST(RendererTargets, KillallReleasesEach) {
+  test::LogCapture log;
   RecordingRenderer renderer;
-  renderer.gpu_render_target_alloc();
-  renderer.gpu_render_target_alloc();
+  std::string lines[2];
+  for (std::string& line : lines) {
+    const int id = renderer.gpu_render_target_alloc()->getid();
+    line = "GPU render target " + std::to_string(id) + " killed";
+  }
   EXPECT_TRUE(renderer.gpu_render_target_killall(nullptr));
+  for (const std::string& line : lines) EXPECT_TRUE(log.contains(line));
   EXPECT_EQ(renderer.count("gpu_render_target_release"), 2);
   EXPECT_EQ(renderer.gpu_render_target_get_num(), 0u);
   EXPECT_TRUE(renderer.gpu_render_target_killall(nullptr));

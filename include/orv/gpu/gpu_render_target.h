@@ -22,11 +22,13 @@ class ORV_API GpuRenderTarget {
 
   int getid() const { return id; }
 
-  /// OpenGL texture of a colour attachment; 0 at index 8 and above.
+  /// OpenGL texture of a colour attachment; 0 at index 8 and above. These ids stay the target's.
   unsigned int gl_get_color_texture(unsigned int index) const;
   unsigned int gl_get_depth_texture() const { return gl.depth_texture; }
   unsigned int gl_get_color_cube_texture() const { return gl.color_cube_texture; }
   unsigned int gl_get_depth_cube_texture() const { return gl.depth_cube_texture; }
+
+  // Stored for a Direct3D 12 renderer; nothing here reads them.
 
   void d3d12_set_optimized_clear_color(const vec4& color);
   void d3d12_set_texture_update_options(int a, int b);
@@ -35,13 +37,13 @@ class ORV_API GpuRenderTarget {
   void d3d12_set_depth_handle_index(unsigned long long handle);
 
   char name[128];
-  int id;  ///< process-wide number
-  unsigned int num_color_targets = 1;
-  int width = 0;   ///< pixels
-  int height = 0;  ///< pixels
-  int depth_layers = 0;
+  int id;                              ///< process-wide number
+  unsigned int num_color_targets = 1;  ///< colour attachments, at most 8
+  int width = 0;                       ///< pixels
+  int height = 0;                      ///< pixels
+  int depth_layers = 0;                ///< of an array, else 0
   PIXEL_FORMAT pixel_format = PF_UNKNOWN;
-  int msaa_samples = 0;
+  int msaa_samples = 0;  ///< 0 for none
   bool has_color = true;
   bool has_depth = true;
   bool has_stencil = true;

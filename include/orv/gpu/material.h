@@ -13,6 +13,7 @@ namespace orv {
 /// loading them must not run at the same time.
 class ORV_API Material : public Resource {
  public:
+  /// No program, no textures, bluish grey colours with a shininess of 16.
   Material();
   /// Frees the material's own memory. Textures are released by cleanup before.
   ~Material() override;
@@ -27,6 +28,9 @@ class ORV_API Material : public Resource {
   GpuProgram* get_gpu_program() const;
 
   // ---- fixed-function values ----
+  //
+  // Colours are RGBA, usually in 0 to 1; nothing is clamped. The references are to the material's
+  // own values, valid as long as it lives.
 
   void set_ambient(const vec4& color);
   void set_ambient(float r, float g, float b, float a);
@@ -37,11 +41,13 @@ class ORV_API Material : public Resource {
   void set_specular(const vec4& color);
   void set_specular(float r, float g, float b, float a);
   vec4& get_specular() const;
+  /// Exponent of the highlight; OpenGL takes 0 to 128.
   void set_shininess(float shininess);
   float get_shininess() const;
+  /// 0 to 1, for client code: no operation here reads it.
   void set_opacity(float opacity);
   float get_opacity() const;
-  /// Whether bind also sets the fixed-function values.
+  /// Whether bind also sets the fixed-function values; false at first.
   void set_use_fixed_material_colors_state(bool state);
   bool get_use_fixed_material_colors_state() const;
 
@@ -61,32 +67,40 @@ class ORV_API Material : public Resource {
   Texture* get_texture(int id) const;
   /// Loads a picture file into a new texture of TextureMgr, adds it, and uploads it when a renderer
   /// is given. Null when the file cannot be read; a failed upload is not reported.
-  /// @param format wanted pixel format
-  /// @param flag not used by OpenGL
+  /// @param path file name, read as it is; null gives null
+  /// @param format pixel format that the picture is converted to
+  /// @param flag read by nobody
+  /// @return the texture, which the manager and this material hold with a reference each
   Texture* load_texture(Renderer* renderer, const char* path, PIXEL_FORMAT format, bool flag);
-  /// Unit of the first texture; the others follow.
+  /// Unit of the first texture, 0 at first; the others follow.
   void set_texture_unit_offset(unsigned int offset);
   unsigned int get_texture_unit_offset() const;
 
   // ---- use ----
 
-  /// Binds the program, the textures and, when asked for, the fixed-function values.
+  // A null renderer is tolerated: nothing is bound then.
+
+  /// Binds the program, the textures and, when asked for, the fixed-function values, in this order.
   void bind(Renderer* renderer);
+  /// Unbinds the program and the textures; the fixed-function values stay.
   void unbind(Renderer* renderer);
+  /// The program alone. No program, no call.
   void bind_gpu_program(Renderer* renderer);
   void unbind_gpu_program(Renderer* renderer);
+  /// The textures alone, each at its unit.
   void bind_textures(Renderer* renderer);
   void unbind_textures(Renderer* renderer);
-  /// Sets the fixed-function values.
+  /// Sets the fixed-function values, asked for or not.
   void fixed_pipeline_bind_colors(Renderer* renderer);
 
   // ---- textures to be loaded later ----
 
   /// Appends a file name. False for null.
   bool async_loading_add_texture_filename(const char* path);
+  /// True.
   bool async_loading_clear_texture_filenames_list();
   unsigned int async_loading_get_num_texture_filenames() const;
-  /// Null past the end.
+  /// Name as it was added; valid until the list changes. Null past the end.
   const char* async_loading_get_texture_filename(unsigned int index) const;
   /// Loads all files of the list and empties it. A file that is not found as named is tried once
   /// more by its base name alone, since model files carry the paths of their author's machine.
