@@ -85,10 +85,26 @@ GpuProgram* Object::get_gpu_program() const { return data_->gpu_program; }
 
 // ---- materials ------------------------------------------------------------------------------
 
+namespace {
+
+/// Lists from this length on have an index.
+constexpr std::size_t LONG_LIST = 32;
+
+void append_material(ObjectData& data, Material* material) {
+  data.materials.push_back(material);
+  if (!data.materials_by_id.empty()) {
+    data.materials_by_id.emplace(material->get_id(), material);
+  } else if (data.materials.size() >= LONG_LIST) {
+    for (Material* each : data.materials) data.materials_by_id.emplace(each->get_id(), each);
+  }
+}
+
+}  // namespace
+
 bool Object::add_material(Material* material, Node* node) {
   if (!material) return false;
   if (!get_material(material->get_id())) {
-    data_->materials.push_back(material);
+    append_material(*data_, material);
     material->add_ref();
   }
   visit_object_children(node, [=](Object* child) { child->add_material(material, child); });
@@ -102,6 +118,7 @@ bool Object::remove_material(Material* material, Node* node) {
   const bool held = found != list.end();
   if (held) {
     list.erase(found);
+    data_->materials_by_id.erase(material->get_id());
     material->release(nullptr, nullptr);
   }
   // From here on the pointer is only compared: it may be gone.
@@ -118,6 +135,11 @@ Material* Object::get_material_by_index(unsigned int index) const {
 }
 
 Material* Object::get_material(int id) const {
+  const auto& index = data_->materials_by_id;
+  if (!index.empty()) {
+    const auto found = index.find(id);
+    return found == index.end() ? nullptr : found->second;
+  }
   for (Material* material : data_->materials) {
     if (material->get_id() == id) return material;
   }
@@ -136,6 +158,7 @@ Material* Object::get_material_by_name(const char* name) const {
 bool Object::remove_all_materials(Renderer* renderer, Node* node) {
   std::vector<Material*> released;
   released.swap(data_->materials);
+  data_->materials_by_id.clear();
   for (Material* material : released) material->release(renderer, nullptr);
   visit_object_children(node, [=](Object* child) { child->remove_all_materials(renderer, child); });
   return true;

@@ -7,6 +7,7 @@
 #include <orv/scene/tripod.h>
 
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace orv {
@@ -38,6 +39,8 @@ struct ObjectData {
   bool send_camera_matrices = true;
   GridParams grid;
   std::vector<Material*> materials;  // each counted
+  // Of long lists, so that loaders may add materials without end; empty for others.
+  std::unordered_map<int, Material*> materials_by_id;
   BoundingVolume bounding_volume;
 
   // Local transforms from the object up to the topmost ancestor, and their product: the product is

@@ -406,6 +406,33 @@ TEST(Object, FindsMaterialsByIndexIdAndName) {
   EXPECT_EQ(object->get_material_by_name(nullptr), nullptr);
 }
 
+TEST(Object, LongListsOfMaterialsStayInOrderAndAreFoundById) {
+  Held<Object> object;
+  std::vector<Material*> materials;
+  for (int i = 0; i < 100; ++i) {
+    materials.push_back(new Material);
+    object->add_material(materials.back(), nullptr);
+    object->add_material(materials[materials.size() / 2], nullptr);
+  }
+  ASSERT_EQ(object->get_num_materials(), 100u);
+  for (unsigned int i = 0; i < 100; ++i) {
+    EXPECT_EQ(object->get_material_by_index(i), materials[i]);
+    EXPECT_EQ(object->get_material(materials[i]->get_id()), materials[i]);
+    EXPECT_EQ(materials[i]->get_ref(), 1);
+  }
+  const int gone = materials[50]->get_id();
+  EXPECT_TRUE(object->remove_material(materials[50], nullptr));
+  EXPECT_EQ(object->get_material(gone), nullptr);
+  EXPECT_EQ(object->get_material(materials[51]->get_id()), materials[51]);
+  EXPECT_EQ(object->get_material_by_index(50), materials[51]);
+  const int last = materials[99]->get_id();
+  object->remove_all_materials(nullptr, nullptr);
+  EXPECT_EQ(object->get_material(last), nullptr);
+  Held<Material> one;
+  object->add_material(one, nullptr);
+  EXPECT_EQ(object->get_material(one->get_id()), one.get());
+}
+
 TEST(Object, MaterialNamesAreComparedOver127Characters) {
   Held<Object> object;
   Held<Material> material;
