@@ -286,9 +286,10 @@ void fill_material(Material& material, const MaterialRecord& record) {
 /// it fall to the default of their mesh.
 void build_materials(Model* model, std::vector<MaterialRecord>& records) {
   detail::SharedMaterials shared;
+  detail::ModelMaterials model_materials(model);
   for (MaterialRecord& record : records) {
     const detail::SharedMaterials::Found found = shared.find_or_create(record.name);
-    if (model) detail::add_material_once(*model, found.material);
+    model_materials.add(found.material);
     if (!found.created) continue;
     record.material = found.material;
     fill_material(*found.material, record);
@@ -319,16 +320,14 @@ void fill_face_normals(vec4* face_normals, const MeshRecord& record) {
 void fill_face_materials(Mesh& mesh, const MeshRecord& record,
                          const std::vector<MaterialRecord>& materials, Material* standard) {
   unsigned int* ids = mesh.get_mesh_data()->get_face_materials_ptr();
-  Material* last = nullptr;
+  std::vector<bool> added(materials.size() + 1);  // the last one stands for the default
   for (std::size_t i = 0; i < record.faces.size(); ++i) {
-    const std::size_t index = static_cast<std::size_t>(record.faces[i].material);
-    Material* material = index < materials.size() ? materials[index].material : nullptr;
-    if (!material) material = standard;
+    std::size_t index = static_cast<std::size_t>(record.faces[i].material);
+    if (index >= materials.size() || !materials[index].material) index = materials.size();
+    Material* material = index < materials.size() ? materials[index].material : standard;
     if (ids) ids[i] = static_cast<unsigned int>(material->get_id());
-    if (material != last && !mesh.get_material(material->get_id())) {
-      mesh.add_material(material, nullptr);
-    }
-    last = material;
+    if (!added[index]) mesh.add_material(material, nullptr);
+    added[index] = true;
   }
 }
 

@@ -101,11 +101,12 @@ void fill_material(Material& material, const tinyobj::material_t& record) {
 std::vector<Material*> build_materials(const std::vector<tinyobj::material_t>& records,
                                        Model& model) {
   detail::SharedMaterials shared;
+  detail::ModelMaterials model_materials(&model);
   std::vector<Material*> materials;
   for (const tinyobj::material_t& record : records) {
     const auto [material, created] = shared.find_or_create(record.name.c_str());
     if (created) fill_material(*material, record);
-    detail::add_material_once(model, material);
+    model_materials.add(material);
     materials.push_back(material);
   }
   return materials;

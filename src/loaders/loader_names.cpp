@@ -6,8 +6,17 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace orv::detail {
+
+namespace {
+
+std::string compared_part(const char* name) {
+  return std::string(std::string_view(name).substr(0, MAX_NAME));
+}
+
+}  // namespace
 
 bool ends_in_letters(const char* filename, const char* letters) {
   if (!filename) return false;
@@ -46,8 +55,16 @@ SharedMaterials::Found SharedMaterials::find_or_create(const std::string& name) 
   return {material, true};
 }
 
-void add_material_once(Model& model, Material* material) {
-  if (!model.get_material_by_name(material->get_name())) model.add_material(material, nullptr);
+ModelMaterials::ModelMaterials(Model* model) : model_(model) {
+  const unsigned int count = model ? model->get_num_materials() : 0;
+  for (unsigned int i = 0; i < count; ++i) {
+    names_.insert(compared_part(model->get_material_by_index(i)->get_name()));
+  }
+}
+
+void ModelMaterials::add(Material* material) {
+  if (!model_ || !names_.insert(compared_part(material->get_name())).second) return;
+  model_->add_material(material, nullptr);
 }
 
 }  // namespace orv::detail

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace orv {
 class Material;
@@ -56,8 +57,18 @@ class SharedMaterials {
   std::unordered_map<std::string, Material*> by_name_;
 };
 
-/// Adds the material unless the model has one of its name.
-void add_material_once(Model& model, Material* material);
+/// Gives materials to a model that has none of their names yet. The names are indexed once, so that
+/// files of very many materials take no longer than their length.
+class ModelMaterials {
+ public:
+  /// Without a model nothing is given.
+  explicit ModelMaterials(Model* model);
+  void add(Material* material);
+
+ private:
+  Model* model_;
+  std::unordered_set<std::string> names_;  ///< over MAX_NAME characters
+};
 
 /// Shininess of the fixed pipeline, which must not be 0.
 inline float usable_shininess(float shininess) { return shininess == 0.0f ? 1.0f : shininess; }

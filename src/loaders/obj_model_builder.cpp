@@ -39,6 +39,7 @@ class ObjModelBuilder {
   ObjModelBuilder(ObjDocument& document, Model& model)
       : document_(document),
         model_(model),
+        model_materials_(&model),
         positions_(document.positions),
         normals_(document.normals),
         texcoords_(document.texcoords) {}
@@ -61,6 +62,7 @@ class ObjModelBuilder {
   ObjDocument& document_;
   Model& model_;
   SharedMaterials shared_;
+  ModelMaterials model_materials_;
   const ElementList positions_;
   const ElementList normals_;
   const ElementList texcoords_;
@@ -145,7 +147,7 @@ Material* ObjModelBuilder::build_material(ObjMaterial& record) {
       if (!map.empty()) material->async_loading_add_texture_filename(map.c_str());
     }
   }
-  add_material_once(model_, material);
+  model_materials_.add(material);
   return material;
 }
 

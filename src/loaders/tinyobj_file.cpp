@@ -1,21 +1,22 @@
 #include "loaders/tinyobj_file.h"
 
-#include <cstddef>
-#include <map>
+#include <functional>
 #include <sstream>
+#include <unordered_set>
+#include <utility>
 
 #include "core/read_file.h"
 #include "loaders/loader_names.h"
+#include "loaders/tinyobj_text.h"
 
 namespace orv::detail {
 
 namespace {
 
-bool open_file(const std::string& path, std::istringstream& stream, std::size_t& size) {
+bool read_text(const std::string& path, std::string& text) {
   std::vector<unsigned char> bytes;
   if (!read_whole_file(path.c_str(), bytes)) return false;
-  size = bytes.size();
-  stream.str(std::string(bytes.begin(), bytes.end()));
+  text.assign(bytes.begin(), bytes.end());
   return true;
 }
 
@@ -28,40 +29,54 @@ class PlainFileMaterialReader : public tinyobj::MaterialReader {
   bool operator()(const std::string& name, std::vector<tinyobj::material_t>* materials,
                   std::map<std::string, int>* indices, std::string* warnings,
                   std::string* errors) override {
-    std::istringstream stream;
-    std::size_t size = 0;
-    if (!limits_.may_read_more() || !open_file(directory_ + name, stream, size)) {
+    std::string text;
+    if (!limits_.may_read_more() || !read_text(directory_ + name, text)) {
       if (warnings) {
         *warnings += "Material file [ " + name + " ] not found in a path : " + directory_ + "\n";
       }
       return false;
     }
-    limits_.count(size);
-    tinyobj::LoadMtl(indices, materials, &stream, warnings, errors);
+    limits_.count(text.size());
+    // Each reading appends all materials anew, and one file may have any number of names.
+    if (!seen_.insert(std::hash<std::string>()(text)).second) return true;
+    parse_tinyobj_library(std::move(text), materials, indices, warnings, errors);
     return true;
   }
 
  private:
   std::string directory_;
   MaterialLibraryLimits limits_;
+  std::unordered_set<std::size_t> seen_;  ///< hashes of the texts
 };
 
 }  // namespace
 
 bool TinyobjFile::read(const std::string& path, const std::string& directory) {
-  std::istringstream stream;
-  std::size_t size = 0;
-  if (!open_file(path, stream, size)) {
+  std::string text;
+  if (!read_text(path, text)) {
     messages = "Cannot open file [" + path + "]\n";
     return false;
   }
-  PlainFileMaterialReader material_reader(directory);
+  PlainFileMaterialReader libraries(directory);
+  return parse(std::move(text), libraries);
+}
+
+bool TinyobjFile::parse(std::string text, tinyobj::MaterialReader& libraries) {
+  std::istringstream stream(bound_obj_text(std::move(text)));
   std::string warnings;
   std::string errors;
   const bool loaded =
-      tinyobj::LoadObj(&attrib, &shapes, &materials, &warnings, &errors, &stream, &material_reader);
+      tinyobj::LoadObj(&attrib, &shapes, &materials, &warnings, &errors, &stream, &libraries);
   messages = warnings + errors;
   return loaded;
+}
+
+void parse_tinyobj_library(std::string text, std::vector<tinyobj::material_t>* materials,
+                           std::map<std::string, int>* indices, std::string* warnings,
+                           std::string* errors) {
+  bound_mtl_text(text);
+  std::istringstream stream(std::move(text));
+  tinyobj::LoadMtl(indices, materials, &stream, warnings, errors);
 }
 
 }  // namespace orv::detail

@@ -2,6 +2,7 @@
 
 #include <tiny_obj_loader.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,14 @@ struct TinyobjFile {
   /// Material libraries are looked for in `directory`. Only plain files are read, since a name in
   /// an OBJ file may lead anywhere.
   bool read(const std::string& path, const std::string& directory);
+
+  /// The same for a text in memory. `libraries` reads those that it names.
+  bool parse(std::string text, tinyobj::MaterialReader& libraries);
 };
+
+/// Reads the text of a material library.
+void parse_tinyobj_library(std::string text, std::vector<tinyobj::material_t>* materials,
+                           std::map<std::string, int>* indices, std::string* warnings,
+                           std::string* errors);
 
 }  // namespace orv::detail

@@ -49,15 +49,42 @@ TEST(LoaderNames, MaterialsAreSharedByName) {
 }
 
 TEST(LoaderNames, AModelHasAMaterialOfANameOnce) {
+  test::Held<Material> before;
   test::Held<Material> first;
   test::Held<Material> second;
+  test::Held<Material> as_before;
+  before->set_name("before");
   first->set_name("one name");
   second->set_name("one name");
+  as_before->set_name("before");
   test::Held<Model> model;
-  add_material_once(*model, first);
-  add_material_once(*model, second);
-  EXPECT_EQ(model->get_num_materials(), 1u);
-  EXPECT_EQ(model->get_material_by_index(0), first.get());
+  model->add_material(before, nullptr);
+  ModelMaterials materials(model);
+  for (Material* material : {first.get(), second.get(), as_before.get()}) materials.add(material);
+  ASSERT_EQ(model->get_num_materials(), 2u);
+  EXPECT_EQ(model->get_material_by_index(1), first.get());
+  EXPECT_EQ(second->get_ref(), 1);
+}
+
+TEST(LoaderNames, MaterialNamesOfAModelAreComparedOver127Characters) {
+  const std::string name(127, 'n');
+  test::Held<Material> first;
+  test::Held<Material> second;
+  test::Held<Material> other;
+  first->set_name((name + "one").c_str());
+  second->set_name((name + "two").c_str());
+  other->set_name((name.substr(1) + "one").c_str());
+  test::Held<Model> model;
+  ModelMaterials materials(model);
+  for (Material* material : {first.get(), second.get(), other.get()}) materials.add(material);
+  ASSERT_EQ(model->get_num_materials(), 2u);
+  EXPECT_EQ(model->get_material_by_index(1), other.get());
+}
+
+TEST(LoaderNames, MaterialsWithoutAModelGoNowhere) {
+  test::Held<Material> material;
+  ModelMaterials(nullptr).add(material);
+  EXPECT_EQ(material->get_ref(), 1);
 }
 
 TEST(LoaderNames, ShininessIsNeverZero) {
