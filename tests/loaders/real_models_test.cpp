@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -47,20 +48,36 @@ const RealStl REAL_STL[] = {
 #include "loaders/real_stl.inc"
 };
 
+/// Facts are given of more files than stand in tests/data: the others are looked for in a folder of
+/// the machine's.
 template <class Loader>
 class RealModelsTest : public LoaderTest<Loader> {
  protected:
-  /// False, with the test skipped, without the folder of real files.
-  bool find_files(const char* kind) {
+  void find_files(const std::string& root, const char* kind) {
+    directory = root.empty() ? "" : root + "/" + kind + "/";
+    this->loader.set_model_dir(directory.c_str());
+  }
+  /// "" without such a folder.
+  static std::string extra_root() {
     std::string root = ORV_EXTRA_TEST_DATA;
     if (root.empty()) {
       if (const char* value = std::getenv("ORV_EXTRA_TEST_DATA")) root = value;
     }
-    directory = root + "/" + kind + "/";
-    if (root.empty() || !std::filesystem::is_directory(directory)) return false;
-    this->loader.set_model_dir(directory.c_str());
-    return true;
+    return root;
   }
+  bool has_files() const { return !directory.empty() && std::filesystem::is_directory(directory); }
+  /// Checks those of the table's files that the folder has, and tells how many there are.
+  template <class Row, std::size_t N, class Check>
+  std::size_t check_files(const Row (&rows)[N], Check check) const {
+    std::size_t num_checked = 0;
+    for (const Row& row : rows) {
+      if (!std::filesystem::exists(directory + row.file)) continue;
+      check(row);
+      ++num_checked;
+    }
+    return num_checked;
+  }
+
   std::string directory;
 };
 
@@ -87,11 +104,13 @@ std::string join(const std::vector<std::string>& names) {
   return text;
 }
 
-using RealObjV1 = RealModelsTest<Loader3D_OBJ>;
+constexpr const char* NO_FOLDER = "no folder of real files: ORV_EXTRA_TEST_DATA";
 
-TEST_F(RealObjV1, LoadAsTheirFactsSay) {
-  if (!find_files("obj")) GTEST_SKIP() << "no folder of real files: ORV_EXTRA_TEST_DATA";
-  for (const RealObj& real : REAL_OBJ) {
+// ---- OBJ, the library's own loader ----
+
+class RealObjV1 : public RealModelsTest<Loader3D_OBJ> {
+ protected:
+  void expect_facts(const RealObj& real) {
     SCOPED_TRACE(real.file);
     Held<Model> model;
     ASSERT_TRUE(loader.load_model(model, real.file));
@@ -99,7 +118,7 @@ TEST_F(RealObjV1, LoadAsTheirFactsSay) {
     ASSERT_EQ(model->get_num_children(), real.num_meshes);
     EXPECT_EQ(join(material_names(*model)), real.materials);
     clear_materials();
-    if (real.num_meshes == 0) continue;
+    if (real.num_meshes == 0) return;
     EXPECT_EQ(mesh_names(*model).front(), real.first_mesh);
     EXPECT_EQ(mesh_names(*model).back(), real.last_mesh);
     for (unsigned int i = 0; i < model->get_num_children(); ++i) {
@@ -111,13 +130,25 @@ TEST_F(RealObjV1, LoadAsTheirFactsSay) {
     expect_near(bounds.min, real.bounds[0], real.bounds[1], real.bounds[2]);
     expect_near(bounds.max, real.bounds[3], real.bounds[4], real.bounds[5]);
   }
+};
+
+TEST_F(RealObjV1, SmallFilesLoadAsTheirFactsSay) {
+  find_files(ORV_TEST_DATA_DIR, "obj");
+  EXPECT_EQ(check_files(REAL_OBJ, [this](const RealObj& real) { expect_facts(real); }), 26u);
 }
 
-using RealObjV2 = RealModelsTest<Loader3D_OBJ_V2>;
+TEST_F(RealObjV1, AllFilesLoadAsTheirFactsSay) {
+  find_files(extra_root(), "obj");
+  if (!has_files()) GTEST_SKIP() << NO_FOLDER;
+  EXPECT_EQ(check_files(REAL_OBJ, [this](const RealObj& real) { expect_facts(real); }),
+            std::size(REAL_OBJ));
+}
 
-TEST_F(RealObjV2, LoadAsTheirFactsSay) {
-  if (!find_files("obj")) GTEST_SKIP() << "no folder of real files: ORV_EXTRA_TEST_DATA";
-  for (const RealObj& real : REAL_OBJ) {
+// ---- OBJ through tinyobjloader ----
+
+class RealObjV2 : public RealModelsTest<Loader3D_OBJ_V2> {
+ protected:
+  void expect_facts(const RealObj& real) {
     SCOPED_TRACE(real.file);
     Held<Model> model;
     ASSERT_EQ(loader.load_model(model, real.file), real.tinyobj_reads_it);
@@ -134,18 +165,30 @@ TEST_F(RealObjV2, LoadAsTheirFactsSay) {
       }
     }
   }
+};
+
+TEST_F(RealObjV2, SmallFilesLoadAsTheirFactsSay) {
+  find_files(ORV_TEST_DATA_DIR, "obj");
+  EXPECT_EQ(check_files(REAL_OBJ, [this](const RealObj& real) { expect_facts(real); }), 26u);
 }
 
-using RealStlFiles = RealModelsTest<Loader3D_STL>;
+TEST_F(RealObjV2, AllFilesLoadAsTheirFactsSay) {
+  find_files(extra_root(), "obj");
+  if (!has_files()) GTEST_SKIP() << NO_FOLDER;
+  EXPECT_EQ(check_files(REAL_OBJ, [this](const RealObj& real) { expect_facts(real); }),
+            std::size(REAL_OBJ));
+}
 
-TEST_F(RealStlFiles, LoadAsTheirFactsSay) {
-  if (!find_files("stl")) GTEST_SKIP() << "no folder of real files: ORV_EXTRA_TEST_DATA";
-  for (const RealStl& real : REAL_STL) {
+// ---- STL ----
+
+class RealStlFiles : public RealModelsTest<Loader3D_STL> {
+ protected:
+  void expect_facts(const RealStl& real) {
     SCOPED_TRACE(real.file);
     Held<Model> model;
     ASSERT_TRUE(loader.load_model(model, real.file));
     ASSERT_EQ(model->get_num_children(), real.num_triangles > 0 ? 1u : 0u);
-    if (real.num_triangles == 0) continue;
+    if (real.num_triangles == 0) return;
     MeshData& data = *mesh_of(*model, 0)->get_mesh_data();
     EXPECT_EQ(data.get_num_vertices(), real.num_triangles * 3);
     const float* b = real.bounds;
@@ -158,6 +201,18 @@ TEST_F(RealStlFiles, LoadAsTheirFactsSay) {
     const float* p = real.first_vertex;
     expect_near(data.get_position_4f(0), p[0], -p[2], p[1]);
   }
+};
+
+TEST_F(RealStlFiles, SmallFilesLoadAsTheirFactsSay) {
+  find_files(ORV_TEST_DATA_DIR, "stl");
+  EXPECT_EQ(check_files(REAL_STL, [this](const RealStl& real) { expect_facts(real); }), 5u);
+}
+
+TEST_F(RealStlFiles, AllFilesLoadAsTheirFactsSay) {
+  find_files(extra_root(), "stl");
+  if (!has_files()) GTEST_SKIP() << NO_FOLDER;
+  EXPECT_EQ(check_files(REAL_STL, [this](const RealStl& real) { expect_facts(real); }),
+            std::size(REAL_STL));
 }
 
 }  // namespace
