@@ -157,6 +157,16 @@ TEST_F(Loader3D_Lib3dsTest, NormalsTurnWithThePositions) {
   EXPECT_TRUE(near(data(0)->get_normal_vec3(3), vec3(0, 0, 0), 0.0f));
 }
 
+TEST_F(Loader3D_Lib3dsTest, AVertexTakesTheNormalOfItsLastCorner) {
+  // Without smoothing each face has a normal of its own: the first lies flat, the second stands.
+  ASSERT_TRUE(load(
+      file(mesh("m", points({0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1}) + faces({0, 1, 2, 0, 1, 3})))));
+  EXPECT_TRUE(near(data(0)->get_normal_vec3(0), vec3(0, 0, 1), 1e-6f));
+  EXPECT_TRUE(near(data(0)->get_normal_vec3(1), vec3(0, 0, 1), 1e-6f));
+  EXPECT_TRUE(near(data(0)->get_normal_vec3(2), vec3(0, 1, 0), 1e-6f));
+  EXPECT_TRUE(near(data(0)->get_normal_vec3(3), vec3(0, 0, 1), 1e-6f));
+}
+
 TEST_F(Loader3D_Lib3dsTest, FaceNormalsAreVertexNormalsAsStored) {
   // Face 0 stands upright, face 1 lies flat on points of its own.
   const std::string two =
@@ -313,6 +323,23 @@ TEST_F(Loader3D_Lib3dsTest, FacesTakeTheirMaterialsOrTheDefault) {
   EXPECT_EQ(mesh_of(*model, 0)->get_num_materials(), 2u);
   EXPECT_EQ(mesh_of(*model, 0)->get_material_by_index(0), red);
   EXPECT_EQ(mesh_of(*model, 0)->get_material_by_index(1), standard);
+}
+
+TEST_F(Loader3D_Lib3dsTest, AMeshHasEachMaterialOnceInTheOrderOfFirstUse) {
+  const std::string parts =
+      face_material("b", {1, 4}) + face_material("a", {2, 5}) + face_material("c", {3});
+  std::vector<unsigned> corners;
+  for (int i = 0; i < 7; ++i) corners.insert(corners.end(), {0, 1, 2});
+  ASSERT_TRUE(load(file(material("a") + material("b") + material("c") +
+                        mesh("m", points({0, 0, 0, 1, 0, 0, 1, 1, 0}) + faces(corners, parts)))));
+  const Mesh& made = *mesh_of(*model, 0);
+  ASSERT_EQ(made.get_num_materials(), 4u);
+  EXPECT_EQ(made.get_material_by_index(0), face_material_of(0, 0));
+  EXPECT_STREQ(made.get_material_by_index(1)->get_name(), "b");
+  EXPECT_STREQ(made.get_material_by_index(2)->get_name(), "a");
+  EXPECT_STREQ(made.get_material_by_index(3)->get_name(), "c");
+  EXPECT_EQ(face_material_of(0, 5), find_material("a"));
+  EXPECT_EQ(face_material_of(0, 6), made.get_material_by_index(0));
 }
 
 TEST_F(Loader3D_Lib3dsTest, EachMeshRegistersADefaultMaterial) {
@@ -504,7 +531,7 @@ struct RealFile {
   unsigned int cameras;
 };
 
-/// Four nodes stand on one mesh, eight in the hierarchy besides two without a mesh.
+// Four nodes stand on one mesh, eight in the hierarchy besides two without a mesh.
 constexpr RealFile REAL_FILES[] = {
     {"test1.3ds", 9, 288, 108, 3, 0},
     {"fels.3ds", 1, 386, 768, 1, 0},
@@ -518,6 +545,8 @@ constexpr RealFile REAL_FILES[] = {
 
 class RealTdsFiles : public Loader3D_Lib3dsTest {
  protected:
+  RealTdsFiles() { loader.set_model_dir(ORV_TEST_DATA_DIR "/3ds/"); }
+
   void expect_facts(const RealFile& row) {
     SCOPED_TRACE(row.name);
     clear_materials();
@@ -542,34 +571,17 @@ class RealTdsFiles : public Loader3D_Lib3dsTest {
   }
 };
 
-TEST_F(RealTdsFiles, SamplesHoldWhatTheyShould) {
-  loader.set_model_dir(ORV_TEST_DATA_DIR "/3ds/");
-  for (const RealFile& row : REAL_FILES) {
-    RealFile copy = row;
-    std::string name = row.name;
-    if (name == "cube_with_diffuse_texture.3DS") name = "cube_with_diffuse_texture.3ds";
-    copy.name = name.c_str();
-    if (TempFolder::read_file(ORV_TEST_DATA_DIR "/3ds/" + name).empty()) continue;
-    expect_facts(copy);
-  }
-}
-
-TEST_F(RealTdsFiles, AllHoldWhatTheyShould) {
-  const std::string directory = ORV_EXTRA_TEST_DATA "/3ds/";
-  if (TempFolder::read_file(directory + "fels.3ds").empty()) {
-    GTEST_SKIP() << "no folder of real files";
-  }
-  loader.set_model_dir(directory.c_str());
+TEST_F(RealTdsFiles, HoldWhatTheyShould) {
   for (const RealFile& row : REAL_FILES) expect_facts(row);
 }
 
-TEST_F(RealTdsFiles, TexturesAndUnplacedMeshesKeepTheirData) {
-  loader.set_model_dir(ORV_TEST_DATA_DIR "/3ds/");
-  ASSERT_TRUE(loader.load_model(model, "cube_with_diffuse_texture.3ds"));
-  ASSERT_EQ(model->get_num_materials(), 1u);
+TEST_F(RealTdsFiles, TexturesKeepTheirFileNames) {
+  ASSERT_TRUE(loader.load_model(model, "cube_with_diffuse_texture.3DS"));
+  EXPECT_EQ(material_names(*model), Names{"01 - Default"});
+  EXPECT_EQ(mesh_names(*model), Names{"Quader01"});
   Material* textured = model->get_material_by_index(0);
   ASSERT_EQ(textured->async_loading_get_num_texture_filenames(), 1u);
-  EXPECT_STRNE(textured->async_loading_get_texture_filename(0), "");
+  EXPECT_STREQ(textured->async_loading_get_texture_filename(0), "TEST.PNG");
   EXPECT_EQ(face_material_of(0, 0), textured);
 }
 

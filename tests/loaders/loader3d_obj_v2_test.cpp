@@ -32,6 +32,65 @@ TEST_F(Loader3D_OBJ_V2Test, SharesVerticesBetweenTriangles) {
   }
 }
 
+std::vector<unsigned int> face_indices(const Mesh& mesh) {
+  std::vector<unsigned int> indices;
+  for (unsigned int face = 0; face < mesh.get_data()->get_num_faces(); ++face) {
+    unsigned int a = 0, b = 0, c = 0;
+    mesh.get_face_indexes(face, &a, &b, &c);
+    indices.insert(indices.end(), {a, b, c});
+  }
+  return indices;
+}
+
+TEST_F(Loader3D_OBJ_V2Test, FacesHoldIndicesOfTheSharedVertices) {
+  Held<Model> model;
+  ASSERT_TRUE(load(*model, "a.obj", std::string(SQUARE) + "f 1 2 3\nf 3 4 1\n"));
+  EXPECT_EQ(mesh_of(*model, 0)->get_data()->get_index_bits(), 16);
+  EXPECT_THAT(face_indices(*mesh_of(*model, 0)), ElementsAre(0u, 1u, 2u, 2u, 3u, 0u));
+  EXPECT_EQ(model->get_child(0)->get_parent(), model.get());
+  EXPECT_EQ(model->get_child(0)->get_ref(), 1);
+}
+
+TEST_F(Loader3D_OBJ_V2Test, ManyVerticesTakeWideIndices) {
+  std::string text;
+  for (int i = 0; i < 65538; ++i) text += "v " + std::to_string(i) + " 0 0\n";
+  for (int i = 1; i < 65538; i += 3) {
+    text += "f " + std::to_string(i) + " " + std::to_string(i + 1) + " " + std::to_string(i + 2);
+    text += "\n";
+  }
+  Held<Model> model;
+  ASSERT_TRUE(load(*model, "a.obj", text));
+  const Mesh& mesh = *mesh_of(*model, 0);
+  ASSERT_EQ(mesh.get_data()->get_num_vertices(), 65538u);
+  EXPECT_EQ(mesh.get_data()->get_index_bits(), 32);
+  const std::vector<unsigned int> indices = face_indices(mesh);
+  for (unsigned int i = 0; i < 65538; ++i) ASSERT_EQ(indices[i], i);
+  EXPECT_EQ(mesh.get_data()->get_position_4f(65537).x, 65537.0f);
+}
+
+TEST_F(Loader3D_OBJ_V2Test, UsesTheModelsVertexLayout) {
+  MeshDataVertexAttribsAllocParams params;
+  params.separate_vertex_arrays = false;
+  Held<Model> model;
+  model->set_mesh_vertex_alloc_params(params);
+  ASSERT_TRUE(
+      load(*model, "a.obj", std::string(SQUARE) + "vt 0.5 1\nvn 0 0 1\nf 1/1/1 2/1/1 3/1/1\n"));
+  ASSERT_FALSE(mesh_of(*model, 0)->get_data()->has_separate_vertex_arrays());
+  const Vertex& vertex = *mesh_of(*model, 0)->get_vertex(2);
+  EXPECT_EQ(vertex.position, vec4(2, 2, 0));
+  EXPECT_EQ(vertex.uv0, vec4(0.5f, 1, 0, 1));
+  EXPECT_EQ(vertex.normal, vec4(0, 0, 1));
+  EXPECT_EQ(vertex.color, vec4(1, 1, 1, 1));
+}
+
+TEST_F(Loader3D_OBJ_V2Test, AFileWithoutFacesIsASuccessWithoutMeshes) {
+  Held<Model> model;
+  EXPECT_TRUE(load(*model, "a.obj", SQUARE));
+  EXPECT_TRUE(load(*model, "b.obj", ""));
+  EXPECT_TRUE(load(*model, "c.obj", std::string(SQUARE) + "o lines\nl 1 2 3\n"));
+  EXPECT_EQ(model->get_num_children(), 0u);
+}
+
 TEST_F(Loader3D_OBJ_V2Test, ResolvesRelativeIndices) {
   Held<Model> model;
   ASSERT_TRUE(load(*model, "a.obj", "v 7 8 9\nv 1 0 0\nv 0 1 0\nf -3 -2 -1\n"));
@@ -107,21 +166,46 @@ TEST_F(Loader3D_OBJ_V2Test, AnExistingMaterialOfTheNameWins) {
 }
 
 TEST_F(Loader3D_OBJ_V2Test, LogsStatistics) {
-  folder.write("a.mtl", "newmtl a\nKa 0.5 0.25 1\nmap_Kd d.png\nillum 2\nown thing\n");
-  LogCapture log;
+  folder.write("a.mtl",
+               "newmtl a\nKa 0.5 0.25 1\nKd 1 2 3\nKs 4 5 6\nTf 7 8 9\nKe 10 11 12\nNs 500\n"
+               "Ni 1.5\nd 0.75\nillum 2\nmap_Ka a.png\nmap_Kd d.png\nmap_Ks s.png\nmap_Ns n.png\n"
+               "map_bump b.png\nmap_d alpha.png\ndisp disp.png\nzz last\nown thing\n");
   Held<Model> model;
-  ASSERT_TRUE(load(*model, "a.obj", std::string(SQUARE) + "mtllib a.mtl\no square\nf 1 2 3 4\n"));
-  for (const char* line :
-       {"Number of meshes: 1", "meshes[0].name = square", "meshes[0].positions: 12",
-        "meshes[0].normals: 0", "meshes[0].texcoords: 0", "meshes[0].indices: 6",
-        "meshes[0].material_ids: 2", "Number of materials: 1", "material[0].name = a",
-        "  material.Ka = (0.500000, 0.250000 ,1.000000)", "  material.Tr = (", "  material.Ke = (",
-        "  material.Ni = 1.000000", "  material.dissolve = 1.000000", "  material.illum = 2",
-        "  material.map_Kd = d.png",
-        "  material.map_bump = ", "  material.disp = ", "  material.own = thing"}) {
-    EXPECT_TRUE(log.contains(line)) << line;
-  }
-  EXPECT_FALSE(log.contains("error"));
+  LogCapture log(LOG_LEVEL_INFO);
+  ASSERT_TRUE(load(*model, "a.obj",
+                   std::string(SQUARE) + "vt 0 0\nvn 0 0 1\nmtllib a.mtl\n"
+                                         "o square\nusemtl a\nf 1/1/1 2/1/1 3/1/1 4/1/1\n"));
+  std::vector<std::string> expected = {
+      "Number of meshes: 1",
+      "meshes[0].name = square",
+      "meshes[0].positions: 12",
+      "meshes[0].normals: 12",
+      "meshes[0].texcoords: 8",
+      "meshes[0].indices: 6",
+      "meshes[0].material_ids: 2",
+      "Number of materials: 1",
+      "material[0].name = a",
+      "  material.Ka = (0.500000, 0.250000 ,1.000000)",
+      "  material.Kd = (1.000000, 2.000000 ,3.000000)",
+      "  material.Ks = (4.000000, 5.000000 ,6.000000)",
+      "  material.Tr = (7.000000, 8.000000 ,9.000000)",
+      "  material.Ke = (10.000000, 11.000000 ,12.000000)",
+      "  material.Ns = 500.000000",
+      "  material.Ni = 1.500000",
+      "  material.dissolve = 0.750000",
+      "  material.illum = 2",
+      "  material.map_Ka = a.png",
+      "  material.map_Kd = d.png",
+      "  material.map_Ks = s.png",
+      "  material.map_Ns = n.png",
+      "  material.map_bump = b.png",
+      "  material.map_d = alpha.png",
+      "  material.disp = disp.png",
+      "  material.own = thing",
+      "  material.zz = last",
+  };
+  for (std::string& line : expected) line.insert(0, "[ObjLoaderV2] ");
+  EXPECT_EQ(log.lines(), expected);
 }
 
 TEST_F(Loader3D_OBJ_V2Test, AMissingLibraryOnlyLogs) {

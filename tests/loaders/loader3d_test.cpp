@@ -4,9 +4,10 @@
 #include <orv/loaders/loader3d_obj.h>
 #include <orv/loaders/loader3d_obj_v2.h>
 #include <orv/loaders/loader3d_stl.h>
+#include <orv/scene/scene.h>
 
 #include "loaders/loader_support.h"
-#include "support/log_capture.h"
+#include "loaders/tds_builder.h"
 #include "support/vtable_slot.h"
 
 #include <gtest/gtest.h>
@@ -50,6 +51,12 @@ TEST(Loader3D, SettersCopyAndIgnoreNull) {
   EXPECT_STREQ(loader.get_resource_dir(), "models/");
 }
 
+TEST(Loader3D, LoadingFollowsTheOperationsOfPlugin) {
+  EXPECT_EQ(vtable_slot(&Loader3D::stop), 9u);
+  EXPECT_EQ(vtable_slot(&Loader3D::load_model), 10u);
+  EXPECT_EQ(vtable_slot(&Loader3D::load_scene), 11u);
+}
+
 TEST(Loader3D, PluginRecordsOfTheCoreLoaders) {
   const auto check = [](const Loader3D& loader, const char* name, const char* description) {
     EXPECT_EQ(loader.get_type(), PLUGIN_TYPE_LOADER3D);
@@ -83,6 +90,12 @@ class CoreLoaders : public LoaderTest<Loader3D_OBJ> {
     kernel.set_current_3d_obj_loader_name("ObjLoaderV1");
   }
   std::string directory() const { return folder.path() + "/"; }
+  /// A triangle in each of the formats.
+  void write_triangles() const {
+    folder.write("m.obj", TRIANGLE);
+    folder.write("m.3ds", tds::file(tds::triangle("t")));
+    folder.write("m.stl", std::string(80, ' ') + tds::u32(1) + std::string(50, '\0'));
+  }
 
   static constexpr const char* TRIANGLE = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
@@ -123,6 +136,66 @@ TEST_F(CoreLoaders, LeaveNothingOfAnUnknownKindOfFile) {
   EXPECT_EQ(MaterialMgr::get()->get_num_resources(), 0u);
 }
 
+TEST_F(CoreLoaders, TypedFormsAskTheirOwnLoaderAlone) {
+  using Load = Model* (Kernel::*)(const MeshDataVertexAttribsAllocParams&, const char*, const char*,
+                                  const char*);
+  const struct {
+    Load load;
+    const char* file;
+  } rows[] = {{&Kernel::load_model_from_file_lib3ds, "m.3ds"},
+              {&Kernel::load_model_from_file_stl, "m.stl"},
+              {&Kernel::load_model_from_file_obj, "m.obj"}};
+  write_triangles();
+  for (const auto& row : rows) {
+    for (const char* file : {"m.3ds", "m.stl", "m.obj"}) {
+      Model* model = (kernel.*row.load)(params, file, directory().c_str(), "");
+      ASSERT_EQ(model != nullptr, std::string(file) == row.file) << row.file << " " << file;
+      if (!model) continue;
+      EXPECT_EQ(model->get_num_children(), 1u);
+      model->release(nullptr, nullptr);
+    }
+  }
+}
+
+TEST_F(CoreLoaders, TheUntypedFormTakesAllFormats) {
+  write_triangles();
+  for (const char* file : {"m.3ds", "m.stl", "m.obj"}) {
+    Model* model = kernel.load_model_from_file(params, file, directory().c_str(), "");
+    ASSERT_NE(model, nullptr) << file;
+    EXPECT_EQ(model->get_num_children(), 1u) << file;
+    model->release(nullptr, nullptr);
+  }
+}
+
+TEST_F(CoreLoaders, AllocationParametersReachTheMeshesOfAllFormats) {
+  write_triangles();
+  for (const bool separate : {false, true}) {
+    params.separate_vertex_arrays = separate;
+    for (const char* file : {"m.3ds", "m.stl", "m.obj"}) {
+      Model* model = kernel.load_model_from_file(params, file, directory().c_str(), "");
+      ASSERT_NE(model, nullptr) << file;
+      EXPECT_EQ(mesh_of(*model, 0)->get_data()->has_separate_vertex_arrays(), separate) << file;
+      model->release(nullptr, nullptr);
+    }
+  }
+}
+
+TEST_F(CoreLoaders, ScenesTakeMaterialsMeshesAndCameras) {
+  folder.write("m.3ds", tds::sample());
+  Scene scene;
+  EXPECT_TRUE(kernel.load_scene_from_file_lib3ds_v1(&scene, "m.3ds", directory().c_str(), ""));
+  ASSERT_EQ(scene.model_get_num(), 1u);
+  EXPECT_EQ(scene.model_get_by_index(0)->get_num_children(), 2u);
+  EXPECT_EQ(scene.model_get_by_index(0)->get_num_materials(), 2u);
+  EXPECT_EQ(scene.camera_get_num(), 1u);
+  EXPECT_FALSE(kernel.load_scene_from_file_lib3ds_v1(nullptr, "m.3ds", nullptr, nullptr));
+  EXPECT_FALSE(kernel.load_scene_from_file_lib3ds_v1(&scene, nullptr, nullptr, nullptr));
+  EXPECT_FALSE(kernel.load_scene_from_file_lib3ds_v1(&scene, "none.3ds", nullptr, nullptr));
+  scene.model_kill_all(nullptr);
+  scene.camera_kill_all(nullptr);
+  scene.get_root()->release(nullptr, nullptr);
+}
+
 TEST_F(CoreLoaders, UnknownObjLoaderNameStopsTheObjFormAlone) {
   folder.write("m.obj", TRIANGLE);
   kernel.set_current_3d_obj_loader_name("nope");
@@ -133,7 +206,7 @@ TEST_F(CoreLoaders, UnknownObjLoaderNameStopsTheObjFormAlone) {
 }
 
 TEST_F(CoreLoaders, ObjLoaderNameChoosesTheLoader) {
-  // Only the first loader fans a quad out; only the second names a shape of no group "".
+  // The first names a mesh of no group, the second leaves it nameless.
   folder.write("m.obj", TRIANGLE);
   for (const auto& [loader_name, mesh_name] :
        {std::pair("ObjLoaderV1", "obj_default_group"), std::pair("ObjLoaderV2", "")}) {

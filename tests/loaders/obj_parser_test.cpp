@@ -230,6 +230,11 @@ TEST_F(ObjParserTest, AnyWordThatBeginsWithMNamesALibrary) {
   EXPECT_EQ(document.positions.size(), 1u);
 }
 
+TEST_F(ObjParserTest, LibraryNamesAreCutAt259Characters) {
+  parse("mtllib " + std::string(300, 'n') + "\n");
+  EXPECT_THAT(asked, ElementsAre(std::string(259, 'n')));
+}
+
 TEST_F(ObjParserTest, OtherStatementsArePassedOver) {
   parse("# v 1 1 1\no f 1 2 3\ns 1\n1 f 1 2 3\n#\nv 1 2 3");
   EXPECT_EQ(corners(), "");
