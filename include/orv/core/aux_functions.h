@@ -9,21 +9,28 @@ namespace orv {
 
 namespace aux {
 
-/// The Kernel operations of the same names.
+/// Kernel::load_model_from_file: a model from the first loader that takes the file, the caller's;
+/// null on failure.
 ORV_API Model* load_model_from_file(const MeshDataVertexAttribsAllocParams& params,
                                     const char* filename, const char* model_dir,
                                     const char* resource_dir);
+/// Kernel::load_model_from_file_lib3ds: the same with the core 3DS loader alone.
 ORV_API Model* load_model_from_file_lib3ds(const MeshDataVertexAttribsAllocParams& params,
                                            const char* filename, const char* model_dir,
                                            const char* resource_dir);
+/// Kernel::load_model_from_file_obj: the same with the OBJ loader whose name is the current one.
 ORV_API Model* load_model_from_file_obj(const MeshDataVertexAttribsAllocParams& params,
                                         const char* filename, const char* model_dir,
                                         const char* resource_dir);
+/// Kernel::load_model_from_file_fbx: the same with the first loader plugin named "FBX".
 ORV_API Model* load_model_from_file_fbx(const MeshDataVertexAttribsAllocParams& params,
                                         const char* filename, const char* model_dir,
                                         const char* resource_dir);
+/// Kernel::compute_object_vertex_color: lights one vertex; false, and `color` untouched, when it
+/// cannot.
 ORV_API bool compute_object_vertex_color(Object* object, unsigned int vertex_index, vec4& color,
                                          Material* material, Light* light, bool clamp);
+/// Kernel::compute_object_vertex_color_v2: the same with transform and position of the light given.
 ORV_API bool compute_object_vertex_color_v2(Object* object, const mat4& transform,
                                             unsigned int vertex_index, vec4& color,
                                             Material* material, Light* light,

@@ -150,7 +150,9 @@ class ORV_API Kernel {
   Model* load_model_from_file_fbx(const MeshDataVertexAttribsAllocParams& params,
                                   const char* filename, const char* model_dir,
                                   const char* resource_dir);
-  /// Adds the materials, meshes and cameras of a 3DS file to a scene.
+  /// Adds the materials, meshes and cameras of a 3DS file to a scene, the meshes in a new model of
+  /// it. False for a null scene or name, without the core 3DS loader and when the file cannot be
+  /// read.
   bool load_scene_from_file_lib3ds_v1(Scene* scene, const char* filename, const char* model_dir,
                                       const char* resource_dir);
   /// The same with the first loader plugin named "FBX".
@@ -160,6 +162,7 @@ class ORV_API Kernel {
   /// Plugin name of the loader for OBJ files: "ObjLoaderV1" (at first) or "ObjLoaderV2". Null is
   /// ignored.
   void set_current_3d_obj_loader_name(const char* name);
+  /// The name that was set last.
   const char* get_current_3d_obj_loader_name() const;
 
  private:

@@ -22,29 +22,39 @@ class ORV_API Loader3D : public Plugin {
   Loader3D(const Loader3D&) = delete;
   Loader3D& operator=(const Loader3D&) = delete;
 
-  /// Fills `model` from a file. False when the name is not this loader's or the file cannot be
-  /// read; the caller owns the model in any case.
+  /// Fills `model` from a file: adds materials to it and meshes as its children.
+  /// @param model     stays the caller's in any case; after a failure it may hold some of the file
+  /// @param filename  what stands behind the model directory
+  /// @return false for null arguments, for a name that is not this loader's and for a file that
+  ///         cannot be read
   virtual bool load_model(Model* model, const char* filename) = 0;
 
   /// Fills `scene` from a file. `what` holds any of the words "material", "mesh" and "camera" and
   /// says what to take; null takes nothing. False also when the loader cannot fill scenes.
   virtual bool load_scene(Scene* scene, const char* filename, const char* what) = 0;
 
-  /// Names for the host, "" at first.
+  /// Name of the loader for the host, "" at first. The core loaders set none: they are known by
+  /// their plugin name.
   const char* get_loader_name() const;
+  /// What the loader reads, for the host, "" at first.
   const char* get_loader_description() const;
 
-  /// Directory that file names are appended to. Setting null keeps the present one.
+  /// Directory that file names are appended to, "" at first. The text is the loader's, good until
+  /// the next directory is set.
   const char* get_model_dir() const;
+  /// Copies the directory, which ends in its separator; null keeps the present one.
   void set_model_dir(const char* directory);
 
-  /// Directory for loaders that look for further files; the core loaders never read it.
+  /// Directory for loaders that look for further files, "" at first; the core loaders never read
+  /// it.
   const char* get_resource_dir() const;
+  /// Copies the directory; null keeps the present one.
   void set_resource_dir(const char* directory);
 
  protected:
-  /// Each copies its text; null keeps the present one.
+  /// Copies the name; null keeps the present one.
   void set_loader_name(const char* name);
+  /// Copies the description; null keeps the present one.
   void set_loader_description(const char* description);
 
  private:
