@@ -323,8 +323,11 @@ void fill_face_materials(Mesh& mesh, const MeshRecord& record,
   std::vector<bool> added(materials.size() + 1);  // the last one stands for the default
   for (std::size_t i = 0; i < record.faces.size(); ++i) {
     std::size_t index = static_cast<std::size_t>(record.faces[i].material);
-    if (index >= materials.size() || !materials[index].material) index = materials.size();
-    Material* material = index < materials.size() ? materials[index].material : standard;
+    Material* material = index < materials.size() ? materials[index].material : nullptr;
+    if (!material) {
+      index = materials.size();
+      material = standard;
+    }
     if (ids) ids[i] = static_cast<unsigned int>(material->get_id());
     if (!added[index]) mesh.add_material(material, nullptr);
     added[index] = true;

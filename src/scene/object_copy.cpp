@@ -12,9 +12,8 @@ namespace orv {
 
 namespace {
 
-void copy_materials(Object& target, const std::vector<Material*>& source) {
+void copy_materials(Object& target, const std::vector<Material*>& materials) {
   // The target may hold the only reference to what it is about to remove and take again.
-  const std::vector<Material*> materials = source;
   for (Material* material : materials) material->add_ref();
   target.remove_all_materials(nullptr, nullptr);
   for (Material* material : materials) {

@@ -22,6 +22,7 @@ bool store_link(std::vector<mat4>& chain, std::size_t i, const mat4& matrix) {
     chain.push_back(matrix);
     return true;
   }
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bytes are what is meant.
   if (std::memcmp(chain[i].ptr(), matrix.ptr(), 16 * sizeof(float)) == 0) return false;
   chain[i] = matrix;
   return true;
