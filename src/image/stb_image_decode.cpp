@@ -1,14 +1,38 @@
 #include "image/stb_image_decode.h"
 
 #include "image/bmp_palette.h"
+#include "image/hdr_check.h"
 #include "image/jpeg_check.h"
 
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
+
+/// Enough for whatever the decoder keeps besides pixels and compressed data.
+constexpr std::size_t SMALL_BLOCKS = std::size_t{1} << 20;
+
+/// The largest block that the decoder gets. A few bytes of a file can ask for gigabytes: a chunk
+/// that tells a length, data that swells far beyond the picture.
+thread_local std::size_t block_limit = SMALL_BLOCKS;
+
+/// Blocks are zeroed: of a file that ends early the decoder hands out pixels, and uses tables, that
+/// it never wrote.
+void* allocate_block(std::size_t size) {
+  return size <= block_limit ? std::calloc(1, size) : nullptr;
+}
+
+void* resize_block(void* block, std::size_t old_size, std::size_t size) {
+  if (size > block_limit) return nullptr;
+  void* larger = std::realloc(block, size);
+  if (larger && size > old_size) {
+    std::memset(static_cast<unsigned char*>(larger) + old_size, 0, size - old_size);
+  }
+  return larger;
+}
 
 /// For an empty chunk the decoder copies nothing to nowhere, which memcpy does not allow.
 inline void* copy_bytes(void* target, const void* source, std::size_t size) {
@@ -24,6 +48,9 @@ inline void* copy_bytes(void* target, const void* source, std::size_t size) {
 #define STBI_NO_FAILURE_STRINGS
 // A spoiled file must not abort the host.
 #define STBI_ASSERT(x) ((void)(x))
+#define STBI_MALLOC(size) allocate_block(size)
+#define STBI_REALLOC_SIZED(block, old_size, size) resize_block(block, old_size, size)
+#define STBI_FREE(block) std::free(block)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
 #define memcpy copy_bytes
@@ -42,6 +69,7 @@ struct Density {
   std::uint64_t pixels_per_byte;
 };
 
+constexpr Density RADIANCE = {"#?", 2, 64};  // runs of 127 in two bytes, four times
 constexpr Density SOFTIMAGE = {"\x53\x80\xF6\x34", 4, 16384};  // runs of 65535
 constexpr Density DENSITIES[] = {
     {"\xFF\xD8", 2, 1024},  // JPEG: two bits for a block of 64 pixels, colour halved
@@ -49,7 +77,7 @@ constexpr Density DENSITIES[] = {
     {"GIF8", 4, 4096},      // GIF: a code of 12 bits stands for up to 4096 pixels
     {"BM", 2, 8},           // BMP: one bit a pixel
     {"8BPS", 4, 128},       // PSD: runs of 128 in two bytes
-    {"#?", 2, 64},          // HDR: runs of 127 in two bytes for each of four channels
+    RADIANCE,
     SOFTIMAGE};
 constexpr std::uint64_t TGA_PIXELS_PER_BYTE = 128;  // runs of 128 in two bytes
 // Small pictures always pass: a quarter of a million of pixels is nobody's trouble.
@@ -73,8 +101,28 @@ std::uint64_t magnitude(int side) {
   return static_cast<std::uint64_t>(wide < 0 ? -wide : wide);
 }
 
-/// Whether the decoder may see the file.
-bool is_decodable(const unsigned char* data, std::size_t size) {
+struct PictureSize {
+  std::uint64_t width = 0;
+  std::uint64_t height = 0;
+
+  std::uint64_t pixels() const { return width * height; }
+};
+
+/// Sets the limit of blocks for one picture. A pixel takes up to 16 bytes, or 32 where the block
+/// doubles, and the edges of a JPEG are filled up to 32 pixels; compressed data take twice their
+/// size while they are collected.
+class BlockLimit {
+ public:
+  BlockLimit(std::size_t size, const PictureSize& picture) {
+    block_limit = SMALL_BLOCKS + 2 * size + 32 * (picture.width + 32) * (picture.height + 32);
+  }
+  ~BlockLimit() { block_limit = SMALL_BLOCKS; }
+  BlockLimit(const BlockLimit&) = delete;
+  BlockLimit& operator=(const BlockLimit&) = delete;
+};
+
+/// Whether the decoder may see the file; then the sizes of the picture are told.
+bool is_decodable(const unsigned char* data, std::size_t size, PictureSize* picture) {
   // First of all: the tables of a JPEG are read with its size already.
   std::uint64_t num_scans = 0;
   if (!is_sound_jpeg(data, size, &num_scans)) return false;
@@ -83,9 +131,56 @@ bool is_decodable(const unsigned char* data, std::size_t size) {
     return false;
   }
   // The height of a BMP that starts with its upper row is told as a negative number.
-  const std::uint64_t pixels = magnitude(width) * magnitude(height);
-  if (pixels > FREE_PIXELS + size * pixels_per_byte(data, size)) return false;
-  return pixels * num_scans <= MAX_JPEG_WORK;
+  *picture = {magnitude(width), magnitude(height)};
+  if (picture->pixels() > FREE_PIXELS + size * pixels_per_byte(data, size)) return false;
+  return picture->pixels() * num_scans <= MAX_JPEG_WORK;
+}
+
+/// A file as the decoder is to see it: the caller's bytes, or a mended copy of them.
+struct Source {
+  const unsigned char* data;
+  std::size_t size;
+  std::vector<unsigned char> copy;
+
+  bool use_copy() {
+    data = copy.data();
+    size = copy.size();
+    return size <= INT_MAX;
+  }
+};
+
+/// Ends the header of an HDR file that is cut within it, so that its sizes are read the same each
+/// time and that it swallows nothing of what fill_up() appends.
+bool end_header(Source* source) {
+  if (!has_magic(source->data, source->size, RADIANCE)) return true;
+  source->copy.reserve(source->size + 1);
+  source->copy.assign(source->data, source->data + source->size);
+  source->copy.push_back('\n');
+  return source->use_copy();
+}
+
+/// Puts zeros where an HDR file ends early: four bytes a pixel, as if nothing were packed. False
+/// for one that is packed.
+bool fill_up(Source* source, const PictureSize& picture) {
+  if (!is_sound_hdr(source->data, source->size, picture.width, picture.height)) return false;
+  const std::uint64_t size = source->size + 4 * picture.pixels();
+  if (size > INT_MAX) return false;
+  source->copy.resize(static_cast<std::size_t>(size));
+  return source->use_copy();
+}
+
+/// Mends what the decoder would take from memory that nobody wrote. False when it must not see the
+/// file.
+bool mend(Source* source, const PictureSize& picture) {
+  if (has_magic(source->data, source->size, RADIANCE)) return fill_up(source, picture);
+  switch (rebuild_bmp_palette(source->data, source->size, &source->copy)) {
+    case BmpPalette::BROKEN:
+      return false;
+    case BmpPalette::REBUILT:
+      return source->use_copy();
+    default:
+      return true;
+  }
 }
 
 }  // namespace
@@ -94,21 +189,18 @@ DecodedImage::~DecodedImage() { stbi_image_free(pixels_); }
 
 bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels) {
   if (!data || size == 0 || size > INT_MAX || channels < 1 || channels > 4) return false;
-  if (!is_decodable(data, size)) return false;
-  std::vector<unsigned char> rebuilt;
-  const BmpPalette palette = rebuild_bmp_palette(data, size, &rebuilt);
-  if (palette == BmpPalette::BROKEN) return false;
-  if (palette == BmpPalette::REBUILT) {
-    data = rebuilt.data();
-    size = rebuilt.size();
-    if (size > INT_MAX) return false;
-  }
+  PictureSize picture;
+  Source source{data, size, {}};
+  if (!end_header(&source) || !is_decodable(source.data, source.size, &picture)) return false;
+  if (!mend(&source, picture)) return false;
+  const BlockLimit limit(source.size, picture);
   int width = 0, height = 0, file_channels = 0;
   // Of a Softimage picture that fails the decoder would convert the null picture: it is converted
   // here, from the four channels that all of them are decoded to.
-  const bool is_softimage = has_magic(data, size, SOFTIMAGE);
-  unsigned char* pixels = stbi_load_from_memory(data, static_cast<int>(size), &width, &height,
-                                                &file_channels, is_softimage ? 4 : channels);
+  const bool is_softimage = has_magic(source.data, source.size, SOFTIMAGE);
+  unsigned char* pixels =
+      stbi_load_from_memory(source.data, static_cast<int>(source.size), &width, &height,
+                            &file_channels, is_softimage ? 4 : channels);
   if (pixels && is_softimage) {
     pixels = stbi__convert_format(pixels, 4, channels, static_cast<unsigned int>(width),
                                   static_cast<unsigned int>(height));
