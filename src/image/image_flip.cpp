@@ -17,6 +17,7 @@ using detail::StoreKind;
 struct FlipStore {
   unsigned char* pixels = nullptr;
   std::size_t pixel_size = 0;
+  bool is_whole = false;  // the store holds all pixels
 };
 
 /// Gives a byte image that only borrows its pixels a copy of its own.
@@ -34,11 +35,13 @@ bool open_flip_store(Image& image, FlipStore* store) {
   if (info.store == StoreKind::BYTES) {
     if (!image.u8_ptr && !copy_borrowed_pixels(image, info.size)) return false;
     store->pixels = image.u8_ptr;
-    return detail::holds_all_pixels<unsigned char>(image, info.size);
+    store->is_whole = detail::holds_all_pixels<unsigned char>(image, info.size);
+    return true;
   }
   if (info.store == StoreKind::NONE || info.channels == 1 || !image.f32_ptr) return false;
   store->pixels = reinterpret_cast<unsigned char*>(image.f32_ptr);
-  return detail::holds_all_pixels<float>(image, info.size);
+  store->is_whole = detail::holds_all_pixels<float>(image, info.size);
+  return true;
 }
 
 template <std::size_t SIZE>
@@ -57,6 +60,8 @@ void reverse_rows(unsigned char* pixels, std::size_t width, std::size_t height) 
 bool Image::flip_vertical() {
   FlipStore store;
   if (!open_flip_store(*this, &store)) return false;
+  if (height < 2) return true;
+  if (!store.is_whole) return false;
   const std::size_t row_bytes = width * store.pixel_size;
   for (std::size_t y = 0; y < height / 2; ++y) {
     unsigned char* upper = store.pixels + y * row_bytes;
@@ -69,6 +74,8 @@ bool Image::flip_vertical() {
 bool Image::flip_horizontal() {
   FlipStore store;
   if (!open_flip_store(*this, &store)) return false;
+  if (height == 0) return true;
+  if (!store.is_whole) return false;
   switch (store.pixel_size) {
     case 1:
       reverse_rows<1>(store.pixels, width, height);

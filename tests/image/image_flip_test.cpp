@@ -124,6 +124,16 @@ TEST(ImageFlip, OneChannelFloatsAndStorelessFormatsAreRefused) {
   }
 }
 
+TEST(ImageFlip, WhereNothingIsSwappedTheSizeOfTheBlockDoesNotMatter) {
+  Image image;
+  ASSERT_TRUE(image.create(4, 1, 1, PF_R_U8, true, true));
+  image.create(4, 1, 1, PF_RGBA_U8, false, false);
+  EXPECT_TRUE(image.flip_vertical());
+  EXPECT_FALSE(image.flip_horizontal());
+  image.create(4, 0, 1, PF_RGBA_U8, false, false);
+  EXPECT_TRUE(image.flip_horizontal());
+}
+
 TEST(ImageFlip, ABlockTooSmallForTheSizesIsLeftAlone) {
   Image image;
   ASSERT_TRUE(image.create(2, 2, 1, PF_R_U8, true, true));
