@@ -1,6 +1,8 @@
 // ZipExtractFile and ZipFree: one entry of a ZIP archive.
 #include <orv/core/utils.h>
 
+#include "core/read_file.h"
+
 #include <zip.h>
 
 #include <algorithm>
@@ -51,14 +53,16 @@ std::unique_ptr<unsigned char[]> read_entry(zip_file_t* entry, std::size_t size)
     used += static_cast<std::size_t>(got);
   }
   unsigned char extra = 0;
-  return zip_fread(entry, &extra, 1) == 0 ? std::move(block) : nullptr;
+  if (zip_fread(entry, &extra, 1) != 0) return nullptr;
+  return block;
 }
 
 }  // namespace
 
 unsigned char* ZipExtractFile(const char* zip_filename, const char* entry_name,
                               unsigned int* size) {
-  if (!zip_filename || !entry_name) return nullptr;
+  // A pipe would be waited for.
+  if (!entry_name || !detail::is_plain_file(zip_filename)) return nullptr;
   int error = 0;
   const Archive archive(zip_open(zip_filename, ZIP_RDONLY, &error));
   if (!archive) return nullptr;

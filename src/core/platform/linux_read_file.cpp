@@ -47,10 +47,16 @@ bool read_whole_file(const char* path, std::vector<unsigned char>& out) {
   struct stat status {};
   if (fstat(file.fd, &status) != 0 || !S_ISREG(status.st_mode)) return false;
   if (status.st_size < 0 || status.st_size >= INT_MAX) return false;
+  out.reserve(static_cast<size_t>(status.st_size) + 1);
   out.resize(static_cast<size_t>(status.st_size));
   if (read_all(file.fd, out)) return true;
   out.clear();
   return false;
+}
+
+bool is_plain_file(const char* path) {
+  struct stat status {};
+  return path && stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 }  // namespace orv::detail
