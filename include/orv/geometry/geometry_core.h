@@ -90,13 +90,13 @@ class ORV_API GeometryCore {
   /// Frees the quad edges. True.
   virtual bool free_quad_edge_data();
 
-  /// @name Sizes and pointers of attributes
-  /// Position, uv0, normal and colour are looked up in arrays 0 to 3 or, in the interleaved form,
-  /// in the vertex. The second texture coordinates and the tangent belong to derived classes: here
-  /// they are 0 and null.
+  // ---- sizes and pointers of attributes ----
+  //
+  // Position, uv0, normal and colour are looked up in arrays 0 to 3 or, in the interleaved form, in
+  // the vertex. The second texture coordinates and the tangent belong to derived classes: here they
+  // are 0 and null.
 
   /// @{
-
   /// Bytes of the attribute's array; 0 for interleaved geometry, which has no such array.
   virtual unsigned int get_position_size();
   virtual unsigned int get_color_size();
@@ -104,7 +104,9 @@ class ORV_API GeometryCore {
   virtual unsigned int get_uv0_size();
   virtual unsigned int get_uv1_size();
   virtual unsigned int get_tangent_size();
+  /// @}
 
+  /// @{
   /// Components of an element, 0 without the attribute.
   virtual int get_position_vector_dim();
   virtual int get_color_vector_dim();
@@ -112,7 +114,9 @@ class ORV_API GeometryCore {
   virtual int get_uv0_vector_dim();
   virtual int get_uv1_vector_dim();
   virtual int get_tangent_vector_dim();
+  /// @}
 
+  /// @{
   /// Bytes of an element, 0 without the attribute.
   virtual int get_position_elt_size();
   virtual int get_color_elt_size();
@@ -120,7 +124,9 @@ class ORV_API GeometryCore {
   virtual int get_uv0_elt_size();
   virtual int get_uv1_elt_size();
   virtual int get_tangent_elt_size();
+  /// @}
 
+  /// @{
   /// First element of the attribute's array; null for interleaved geometry. After writing through
   /// it the array has to be marked with VertexAttribArray::update_needed.
   virtual void* get_position_ptr();
@@ -129,64 +135,101 @@ class ORV_API GeometryCore {
   virtual void* get_uv0_ptr();
   virtual void* get_uv1_ptr();
   virtual void* get_tangent_ptr();
-
   /// @}
-  /// @name Contents of attributes
-  /// update_X_subbuffer copies `count` vec4s (16 bytes each, whatever the element size) to byte
-  /// `start` * 16 of the array. False without the array, for null data, and when `start` or `count`
-  /// alone exceed the number of elements; what would pass the end of the array is left out.
-  /// update_X_buffer is the same for all vertices. Setters store as many components as the
-  /// attribute has, with w 1 from three components; false when `i` is out of range or the attribute
-  /// missing, in which case getters give (0, 0, 0, 1).
-  ///
-  /// The second texture coordinates and the tangent belong to derived classes: here they are
-  /// missing.
 
-  /// @{
+  // ---- contents of attributes ----
+  //
+  // The second texture coordinates and the tangent belong to derived classes: here they are
+  // missing.
 
-  /// Copies a vec4 for each vertex over the positions, see above; the 3 below the same for the
-  /// other attributes.
+  /// Copies a vec4 for each vertex over the positions; as update_position_subbuffer for all
+  /// vertices.
   virtual bool update_position_buffer(const void* vec4_data);
+  /// Copies `count` vec4s (16 bytes each, whatever the element size) to byte `start` * 16 of the
+  /// array of positions. False without the array, for null data, and when `start` or `count` alone
+  /// exceed the number of elements; what would pass the end of the array is left out.
   virtual bool update_position_subbuffer(const void* vec4_data, unsigned int start,
                                          unsigned int count);
+
+  /// @{
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_position(unsigned int i, float x, float y, float z, float w);
   virtual bool set_position(unsigned int i, const vec4& v);
   virtual bool set_position(unsigned int i, const vec3& v);
+  /// @}
+
+  /// Of vertex `i`; (0, 0, 0) when it is out of range or the attribute is missing.
   virtual vec3 get_position(unsigned int i);
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_position_4f(unsigned int i);
 
+  /// Copies a vec4 for each vertex over the colours; as update_color_subbuffer for all vertices.
   virtual bool update_color_buffer(const void* vec4_data);
+  /// The same as update_position_subbuffer for the colours.
   virtual bool update_color_subbuffer(const void* vec4_data, unsigned int start,
                                       unsigned int count);
+
+  /// @{
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_color(unsigned int i, float r, float g, float b, float a);
   virtual bool set_color(unsigned int i, const vec4& v);
+  /// @}
+
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_color(unsigned int i);
 
+  /// Copies a vec4 for each vertex over the normals; as update_normal_subbuffer for all vertices.
   virtual bool update_normal_buffer(const void* vec4_data);
+  /// The same as update_position_subbuffer for the normals.
   virtual bool update_normal_subbuffer(const void* vec4_data, unsigned int start,
                                        unsigned int count);
+
+  /// @{
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_normal(unsigned int i, const vec4& v);
   virtual bool set_normal(unsigned int i, const vec3& v);
+  /// @}
+
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_normal(unsigned int i);
+  /// Of vertex `i`; (0, 0, 0) when it is out of range or the attribute is missing.
   virtual vec3 get_normal_vec3(unsigned int i);
 
+  /// Copies a vec4 for each vertex over the texture coordinates; as update_uv0_subbuffer for all
+  /// vertices.
   virtual bool update_uv0_buffer(const void* vec4_data);
+  /// The same as update_position_subbuffer for the texture coordinates.
   virtual bool update_uv0_subbuffer(const void* vec4_data, unsigned int start, unsigned int count);
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_uv0(unsigned int i, const vec4& v);
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_uv0(unsigned int i);
 
+  /// Copies a vec4 for each vertex over the second texture coordinates; as update_uv1_subbuffer for
+  /// all vertices.
   virtual bool update_uv1_buffer(const void* vec4_data);
+  /// The same as update_position_subbuffer for the second texture coordinates.
   virtual bool update_uv1_subbuffer(const void* vec4_data, unsigned int start, unsigned int count);
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_uv1(unsigned int i, const vec4& v);
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_uv1(unsigned int i);
 
+  /// The same as update_position_subbuffer for the tangents.
   virtual bool update_tangent_subbuffer(const void* vec4_data, unsigned int start,
                                         unsigned int count);
+  /// Copies a vec4 for each vertex over the tangents; as update_tangent_subbuffer for all vertices.
   virtual bool update_tangent_buffer(const void* vec4_data);
+  /// Stores as many components as the attribute has, with w 1 from three components. False when
+  /// `i` is out of range or the attribute is missing.
   virtual bool set_tangent(unsigned int i, const vec4& v);
+  /// Of vertex `i`; (0, 0, 0, 1) when it is out of range or the attribute is missing.
   virtual vec4 get_tangent(unsigned int i);
-
-  /// @}
 
   // ---- plain state ----
 

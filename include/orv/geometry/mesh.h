@@ -214,7 +214,6 @@ class ORV_API Mesh : public Object {
 
   /// @name All vertices at once
   /// A mesh without vertices stops moving, scaling and rotating at once, before its children.
-
   /// @{
 
   using Object::rotate_vertices_position;
