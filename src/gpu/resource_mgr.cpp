@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "gpu/resource_names.h"
@@ -50,14 +51,20 @@ struct ResourceMgr::ResourceMgrData {
     by_name_epoch = 0;
   }
 
-  // Does not look at the resource itself.
-  void remove(Resource* resource) {
+  // Takes a resource out of the indices; false when it is in none. Does not look at it.
+  bool forget(Resource* resource) {
     const auto place = ids.find(resource);
-    if (place == ids.end()) return;
+    if (place == ids.end()) return false;
     by_id.erase(place->second);
     ids.erase(place);
-    resources.erase(std::find(resources.begin(), resources.end(), resource));
     by_name_epoch = 0;
+    return true;
+  }
+
+  void remove(Resource* resource) {
+    if (!forget(resource)) return;
+    const auto entry = std::find(resources.begin(), resources.end(), resource);
+    if (entry != resources.end()) resources.erase(entry);
   }
 
   void index_names() {
@@ -92,12 +99,15 @@ int ResourceMgr::release_resource(Renderer* renderer, Resource* resource, Thread
 
 bool ResourceMgr::release_all_resources(Renderer* renderer, Thread*) {
   ResourceMgrData& data = *resource_mgr_data_;
-  // A release may come back to this manager, so the walk goes over a copy of the list.
-  const std::vector<Resource*> walked = data.resources;
-  for (Resource* resource : walked) {
-    if (!data.contains(resource) || !may_release(renderer, resource)) continue;
-    data.remove(resource);
-    resource->release(renderer, nullptr);
+  std::vector<Resource*> kept;
+  std::vector<Resource*> released;
+  for (Resource* resource : data.resources) {
+    (may_release(renderer, resource) ? released : kept).push_back(resource);
+  }
+  data.resources = std::move(kept);
+  // A release may come back to this manager and take another one out of the indices.
+  for (Resource* resource : released) {
+    if (data.forget(resource)) resource->release(renderer, nullptr);
   }
   return true;
 }

@@ -205,6 +205,39 @@ TEST_F(ResourceMgrTest, ForeignResourcesSurviveInOrder) {
   EXPECT_EQ(foreign_2.get_ref(), 1);
 }
 
+TEST_F(ResourceMgrTest, AllAreReleasedInTheOrderOfTheList) {
+  class Noted : public Resource {
+   public:
+    Noted(std::vector<int>* order, int number) : order_(order), number_(number) {}
+    ~Noted() override { order_->push_back(number_); }
+
+   private:
+    std::vector<int>* order_;
+    int number_;
+  };
+  std::vector<int> order;
+  Counted foreign("foreign", other.get_id());
+  manager.add_resource(new Noted(&order, 1));
+  manager.add_resource(&foreign);
+  manager.add_resource(new Noted(&order, 2));
+  manager.add_resource(new Noted(&order, 3));
+  EXPECT_TRUE(manager.release_all_resources(&renderer, nullptr));
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(manager.get_num_resources(), 1u);
+  EXPECT_TRUE(manager.has_resource(&foreign));
+  EXPECT_EQ(manager.get_resource("foreign"), &foreign);
+}
+
+TEST_F(ResourceMgrTest, ReleasedIdsAreForgotten) {
+  auto* resource = new Counted("gone");
+  const int id = resource->get_id();
+  manager.add_resource(resource);
+  EXPECT_TRUE(manager.release_all_resources(&renderer, nullptr));
+  EXPECT_EQ(manager.get_resource(id), nullptr);
+  EXPECT_EQ(manager.get_resource("gone"), nullptr);
+  EXPECT_FALSE(manager.has_resource(id));
+}
+
 TEST_F(ResourceMgrTest, StopWithoutRendererReleasesAll) {
   manager.add_resource(new Counted("a", renderer.get_id()));
   manager.add_resource(new Counted("b", other.get_id()));
