@@ -10,6 +10,7 @@ namespace orv {
 
 /// Core loader "ObjLoaderV2". Makes one Mesh for each shape of the file; vertices are shared
 /// between triangles, relative indices are resolved and polygons triangulated by tinyobjloader.
+/// Polygons of thousands of corners, which would take it too long, become fans instead.
 class ORV_API Loader3D_OBJ_V2 : public Loader3D {
  public:
   Loader3D_OBJ_V2();
