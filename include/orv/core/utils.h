@@ -123,8 +123,11 @@ ORV_API PIXEL_FORMAT ConvertInt2Pf(int value);
 /// Name of a shader stage in lower case or with a capital first letter; "" for any other value.
 ORV_API const char* Shader_Type_To_String(GPU_SHADER_TYPE type, bool capital);
 
-/// Reads one entry of a ZIP archive into a new block, which ZipFree() frees, and stores its size
-/// when `size` is not null. Null on failure and for null names.
+/// Reads one entry of a ZIP archive, stored or deflated, into a new block, which ZipFree() frees,
+/// and stores its size in bytes when `size` is not null. The name is the whole path in the archive;
+/// an entry that differs in case alone is taken when there is no exact one. Null, and `size` as
+/// before, for null names, what is no archive, a missing entry, one of 2 GiB or more and one whose
+/// checksum is wrong.
 ORV_API unsigned char* ZipExtractFile(const char* zip_filename, const char* entry_name,
                                       unsigned int* size);
 /// Frees a block of ZipExtractFile(). False for null.
