@@ -56,6 +56,7 @@ class ORV_API Image {
   /// The byte store, or codec_pixels when there is none.
   unsigned char* get_u8_ptr() const { return u8_ptr ? u8_ptr : codec_pixels; }
   /// The float store, null when there is none.
+  /// The float store; null when there is none.
   float* get_f32_ptr() const { return f32_ptr; }
 
   /// @{
@@ -63,12 +64,14 @@ class ORV_API Image {
   /// pixels stay the caller's, and so does the block that was there before: it is not freed (an
   /// Image allocates bytes with new unsigned char[] and floats with new float[]).
   void set_u8_ptr(unsigned char* pixels);
+  /// The same for the float store.
   void set_f32_ptr(float* pixels);
   /// @}
 
   /// @{
   /// Nulls a store, and frees it when the image owns it.
   void _delete_u8_ptr();
+  /// The same for the float store.
   void _delete_f32_ptr();
   /// @}
 
@@ -76,6 +79,7 @@ class ORV_API Image {
   /// Size in bytes of a store that the image allocated itself; 0 when the store is null or was
   /// handed in.
   std::size_t get_u8_capacity() const { return u8_ptr == u8_block_ ? u8_capacity_ : 0; }
+  /// The same for the float store.
   std::size_t get_f32_capacity() const { return f32_ptr == f32_block_ ? f32_capacity_ : 0; }
   /// @}
 
@@ -174,6 +178,7 @@ class ORV_API Image {
   /// Byte formats read u8_ptr alone. False past the end (width * height * depth), for a null
   /// result, without a store, and for formats other than the byte formats, 5 and 6.
   bool get_pixel(unsigned int index, float* out4) const;
+  /// The same for the pixel x + width * y; x may run on into the next row.
   bool get_pixel_2d(unsigned int x, unsigned int y, float* out4) const;
   /// @}
 

@@ -18,6 +18,7 @@ namespace orv {
 /// The order of the operations is a contract with codecs built apart.
 class ORV_API ImageCodec : public Plugin {
  public:
+  /// Sets the plugin type.
   ImageCodec();
   ~ImageCodec() override;
 

@@ -11,6 +11,7 @@ namespace orv {
 /// always writes baseline JPEG, whatever the file name says.
 class ORV_API ImageCodecStb : public ImageCodec {
  public:
+  /// Fills the plugin record.
   ImageCodecStb();
   ~ImageCodecStb() override;
 
@@ -30,6 +31,7 @@ class ORV_API ImageCodecStb : public ImageCodec {
   /// without pixels and for one that is empty or wider or higher than 65535.
   bool save_image_to_file(Image* image, const char* filename) override;
 
+  /// Frees pixels made by new unsigned char[]; this codec leaves none behind itself.
   bool free_image_resources(Image* image) override;
 };
 
