@@ -16,6 +16,7 @@ struct KernelData;
 /// It holds no lock: core::start runs on one thread before any other touches the library.
 class ORV_API Kernel {
  public:
+  /// The one instance, made by the first call and never destroyed. Never null.
   static Kernel* get();
 
   Kernel(const Kernel&) = delete;
@@ -31,11 +32,15 @@ class ORV_API Kernel {
   /// Scenes are the host's. Always true; a second call does nothing.
   bool stop();
 
+  /// @{
   /// Version of the library: 0.26.1, build 0.
   int get_version_major() const;
   int get_version_minor() const;
   int get_version_patch() const;
   int get_version_build() const;
+  /// @}
+
+  /// Code name of the version, never null.
   const char* get_codename() const;
 
   /// Null: the library keeps no shared renderer of this kind. See RendererNull.
@@ -43,6 +48,8 @@ class ORV_API Kernel {
 
   // ---- platform: the same as the functions of utils ----
 
+  /// @{
+  /// See the function of the same name in orv::utils. Texts are the library's, never null.
   void init_platform_information();
   const char* get_os_name() const;
   int get_os_version_major() const;
@@ -50,19 +57,27 @@ class ORV_API Kernel {
   int get_os_version_build() const;
   const char* get_osx_codename() const;
   const char* get_osx_kern_osrelease() const;
+  /// @}
+
   /// The three numbers of the operating system, each through its pointer unless that is null.
   void get_osx_version(int* major_version, int* minor_version, int* build) const;
+
+  /// @{
+  /// See the function of the same name in orv::utils. Texts are the library's, never null.
   const char* get_linux_sysname() const;
   const char* get_linux_release() const;
   const char* get_linux_version() const;
   const char* get_linux_machine() const;
   const char* get_platform_name() const;
   int get_platform_bitness() const;
+  /// @}
 
   /// Takes the program's directory unless one is set. False when it cannot be found.
   bool app_directory_init();
   /// Replaces the directory; false for null.
   bool app_directory_set(const char* directory);
+  /// Directory of the program with its trailing separator, "" while unknown. The kernel's text,
+  /// valid until it is set.
   const char* app_directory_get() const;
 
   // ---- textures of a render target ----
@@ -91,6 +106,7 @@ class ORV_API Kernel {
   bool plugin_search_path_add_dir(const char* directory);
   /// Removes the first entry that equals the text. False when there is none.
   bool plugin_search_path_remove_dir(const char* directory);
+  /// Removes all entries. True.
   bool plugin_search_path_clear();
   /// Copies at most `size` - 1 bytes of all entries, each followed by ";". A cut copy has no
   /// terminator: give the buffer zeroed. False for a null buffer or a size of 0.
@@ -104,13 +120,20 @@ class ORV_API Kernel {
   Plugin* load_plugin(const char* filename, bool force_reload, bool use_search_path);
   /// PluginMgr::unload_plugin; -1 for an unknown id, 0 for a null plugin.
   int unload_plugin(int id);
+  /// The same by pointer: 0 for null, -1 for one that is not in the list.
   int unload_plugin(Plugin* plugin);
+  /// Stops, terminates and releases all plugins, loaders and renderers among them. True.
   bool unload_all_plugins();
+
+  /// @{
   /// The operation on every plugin, in order; results are not looked at. Always true.
   bool initialize_all_plugins();
   bool start_all_plugins();
   bool stop_all_plugins();
   bool terminate_all_plugins();
+  /// @}
+
+  /// Plugin of this id, borrowed; null for an unknown one.
   Plugin* get_plugin(int id) const;
 
   /// Puts a plugin that was made in this program into PluginMgr's list, which then owns it. False

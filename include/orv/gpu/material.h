@@ -23,33 +23,55 @@ class ORV_API Material : public Resource {
   Material(const Material&) = delete;
   Material& operator=(const Material&) = delete;
 
+  /// @{
   /// Program to draw with, or null. It is not owned and not counted.
   void set_gpu_program(GpuProgram* program);
   GpuProgram* get_gpu_program() const;
+  /// @}
 
   // ---- fixed-function values ----
   //
   // Colours are RGBA, usually in 0 to 1; nothing is clamped. The references are to the material's
   // own values, valid as long as it lives.
 
+  /// @{
+  /// Ambient colour of the fixed pipeline.
   void set_ambient(const vec4& color);
   void set_ambient(float r, float g, float b, float a);
   vec4& get_ambient() const;
+  /// @}
+
+  /// @{
+  /// Diffuse colour of the fixed pipeline.
   void set_diffuse(const vec4& color);
   void set_diffuse(float r, float g, float b, float a);
   vec4& get_diffuse() const;
+  /// @}
+
+  /// @{
+  /// Specular colour of the fixed pipeline.
   void set_specular(const vec4& color);
   void set_specular(float r, float g, float b, float a);
   vec4& get_specular() const;
+  /// @}
+
+  /// @{
   /// Exponent of the highlight; OpenGL takes 0 to 128.
   void set_shininess(float shininess);
   float get_shininess() const;
+  /// @}
+
+  /// @{
   /// 0 to 1, for client code: no operation here reads it.
   void set_opacity(float opacity);
   float get_opacity() const;
+  /// @}
+
+  /// @{
   /// Whether bind also sets the fixed-function values; false at first.
   void set_use_fixed_material_colors_state(bool state);
   bool get_use_fixed_material_colors_state() const;
+  /// @}
 
   // ---- textures ----
 
@@ -60,6 +82,7 @@ class ORV_API Material : public Resource {
   bool remove_texture(int id);
   /// The same for all textures; true.
   bool remove_all_textures();
+  /// Textures in the list.
   unsigned int get_num_textures() const;
   /// Null past the end.
   Texture* get_texture_by_index(unsigned int index) const;
@@ -72,9 +95,12 @@ class ORV_API Material : public Resource {
   /// @param flag read by nobody
   /// @return the texture, which the manager and this material hold with a reference each
   Texture* load_texture(Renderer* renderer, const char* path, PIXEL_FORMAT format, bool flag);
+
+  /// @{
   /// Unit of the first texture, 0 at first; the others follow.
   void set_texture_unit_offset(unsigned int offset);
   unsigned int get_texture_unit_offset() const;
+  /// @}
 
   // ---- use ----
 
@@ -86,9 +112,11 @@ class ORV_API Material : public Resource {
   void unbind(Renderer* renderer);
   /// The program alone. No program, no call.
   void bind_gpu_program(Renderer* renderer);
+  /// Leaves no program bound. No program here, no call.
   void unbind_gpu_program(Renderer* renderer);
   /// The textures alone, each at its unit.
   void bind_textures(Renderer* renderer);
+  /// Clears the units of the textures.
   void unbind_textures(Renderer* renderer);
   /// Sets the fixed-function values, asked for or not.
   void fixed_pipeline_bind_colors(Renderer* renderer);
@@ -99,6 +127,7 @@ class ORV_API Material : public Resource {
   bool async_loading_add_texture_filename(const char* path);
   /// True.
   bool async_loading_clear_texture_filenames_list();
+  /// File names in the list.
   unsigned int async_loading_get_num_texture_filenames() const;
   /// Name as it was added; valid until the list changes. Null past the end.
   const char* async_loading_get_texture_filename(unsigned int index) const;

@@ -46,12 +46,14 @@ class ORV_API TextureMgr : public ResourceMgr {
   /// Empties the list and leaves the references alone.
   void unregister_all_image_codec_plugins();
 
+  /// Codecs registered.
   unsigned int get_num_image_codecs() const;
   /// Null past the end.
   ImageCodec* get_image_codec_by_index(unsigned int index) const;
   /// The codec that last loaded an image, or null.
   ImageCodec* get_last_image_codec() const;
 
+  /// Name of the plugin that is asked first, "stb" at first.
   const char* get_current_image_codec_name() const;
   /// Plugin name of the codec to ask first, of which 127 characters count. It need not be
   /// registered (yet). Null is ignored.
@@ -63,6 +65,7 @@ class ORV_API TextureMgr : public ResourceMgr {
   /// comes from the loading ones alone, when loading fails.
   Texture* create_texture();
 
+  /// @{
   /// Textures with an image of this size in pixels, see Texture::create_2d and its relatives. The
   /// texture is given even when the image could not be made; it has no size then. With zero_fill
   /// all pixels are 0, else undefined.
@@ -74,7 +77,9 @@ class ORV_API TextureMgr : public ResourceMgr {
   Texture* create_texture_2d_array(unsigned int width, unsigned int height, unsigned int num_layers,
                                    PIXEL_FORMAT format, bool zero_fill);
   Texture* create_texture_cube(unsigned int size, PIXEL_FORMAT format, bool zero_fill);
+  /// @}
 
+  /// @{
   /// New textures filled by the loading operations of these names, see below.
   Texture* create_texture_2d_from_file(const char* filename, bool flip, PIXEL_FORMAT format);
   Texture* create_texture_2d_from_memory(unsigned char* data, unsigned int size, bool flip,
@@ -90,8 +95,11 @@ class ORV_API TextureMgr : public ResourceMgr {
                                              unsigned int height, PIXEL_FORMAT format);
   Texture* create_texture_from_truetype_file(const char* filename, float pixel_height, int width,
                                              int height);
+  /// @}
+
   /// Views of a render target's attachments. Null for a null target.
   Texture* create_color_texture_from_render_target(GpuRenderTarget* target, unsigned int index);
+  /// The same for the depth attachment.
   Texture* create_depth_texture_from_render_target(GpuRenderTarget* target);
 
   /// Puts a texture into the list, with a reference. False for null.
@@ -99,11 +107,14 @@ class ORV_API TextureMgr : public ResourceMgr {
 
   // ---- loading into a texture ----
 
+  /// @{
   /// Decodes a file into the texture's image, converts it to the format, and adds the texture to
   /// the list. Its type stays; load_texture_2d_from_file sets it to 2D.
   bool load_image_from_file(Texture* texture, const char* filename, bool flip, PIXEL_FORMAT format);
   bool load_texture_2d_from_file(Texture* texture, const char* filename, bool flip,
                                  PIXEL_FORMAT format);
+  /// @}
+
   /// Becomes a 2D texture first, also when decoding fails then.
   bool load_texture_2d_from_memory(Texture* texture, unsigned char* data, unsigned int size,
                                    bool flip, PIXEL_FORMAT format);
@@ -112,6 +123,7 @@ class ORV_API TextureMgr : public ResourceMgr {
   bool load_texture_2d_from_raw_memory(Texture* texture, const void* pixels, unsigned int width,
                                        unsigned int height, PIXEL_FORMAT format);
 
+  /// @{
   /// Decode six faces as PF_RGB_U8, in the order +X, -X, +Y, -Y, +Z, -Z, and become a cube map. A
   /// face that fails ends the work with false; the faces before it stay loaded. The arrays have six
   /// entries each, sizes are in bytes.
@@ -122,11 +134,15 @@ class ORV_API TextureMgr : public ResourceMgr {
                                     const char* negative_z, bool flip);
   bool load_texture_cube_from_memory(Texture* texture, unsigned char** datas,
                                      const unsigned int* sizes, bool flip);
+  /// @}
+
+  /// @{
   /// One face; the texture's type stays.
   bool load_cubemap_face_from_file(Texture* texture, CUBEMAP_FACE face, const char* filename,
                                    bool flip);
   bool load_cubemap_face_from_memory(Texture* texture, CUBEMAP_FACE face, unsigned char* data,
                                      unsigned int size, bool flip);
+  /// @}
 
   /// Decodes into a layer of an array texture, as the layer's own format, and adds the texture to
   /// the list. False past the last layer.
@@ -165,11 +181,14 @@ class ORV_API TextureMgr : public ResourceMgr {
 
   // ---- screenshots ----
 
+  /// @{
   /// Reads the back buffer, or a rectangle of it, and writes it to a file. Rows come bottom first,
   /// as the API has them: flip turns the picture upright. False without a codec that can write.
   bool do_screenshot(Renderer* renderer, const char* filename, bool flip);
   bool do_screenshot_v2(Renderer* renderer, const char* filename, int x, int y, int width,
                         int height, bool flip);
+  /// @}
+
   /// The picture of the last screenshot, reused by the next one; borrowed, never null.
   const Image* get_screenshot_image() const;
 
