@@ -42,25 +42,32 @@ ORV_API bool init_platform_information();
 ORV_API const char* get_platform_name();
 /// Bits of a pointer.
 ORV_API int get_platform_bitness();
+/// Whether pointers have 64 bits.
 ORV_API bool is_64_bit_app();
+/// The operating system; ORV_PLATFORM_TYPE_LINUX here.
 ORV_API ORV_PLATFORM_TYPE get_platform_type();
 
+/// @{
 /// Name of the operating system, such as that of the distribution. Gathers the information first,
 /// as the three version numbers do; those are the kernel release's.
 ORV_API const char* get_os_name();
 ORV_API int get_os_version_major();
 ORV_API int get_os_version_minor();
 ORV_API int get_os_version_build();
+/// @}
 
 /// "" on this platform.
 ORV_API const char* get_osx_codename();
 /// "" on this platform.
 ORV_API const char* get_osx_kern_osrelease();
+
+/// @{
 /// The texts of the system's uname record; "" before init_platform_information().
 ORV_API const char* get_linux_sysname();
 ORV_API const char* get_linux_release();
 ORV_API const char* get_linux_version();
 ORV_API const char* get_linux_machine();
+/// @}
 
 /// Directory of the running program with its trailing separator; "" when it cannot be found.
 ORV_API const char* get_app_directory();
