@@ -31,6 +31,7 @@ struct LogData;
 /// same log.
 class ORV_API Log {
  public:
+  /// Disabled, without a file name.
   Log();
   ~Log();
   Log(const Log&) = delete;

@@ -33,6 +33,7 @@ struct PluginData;
 /// modules built apart.
 class ORV_API Plugin {
  public:
+  /// Of unknown type, with one identity, no texts and no references.
   Plugin();
   virtual ~Plugin();
   Plugin(const Plugin&) = delete;

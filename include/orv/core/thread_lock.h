@@ -12,6 +12,7 @@ struct ThreadLockData;
 /// release().
 class ORV_API ThreadLock {
  public:
+  /// An open lock.
   ThreadLock();
   ~ThreadLock();
   ThreadLock(const ThreadLock&) = delete;

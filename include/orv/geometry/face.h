@@ -9,6 +9,7 @@ namespace orv {
 /// Triangle with 16-bit vertex indices.
 class ORV_API FaceU16 {
  public:
+  /// The first vertex three times.
   FaceU16() = default;
   /// A triangle of these vertices.
   FaceU16(unsigned short index_a, unsigned short index_b, unsigned short index_c)
@@ -22,6 +23,7 @@ class ORV_API FaceU16 {
 /// Triangle with 32-bit vertex indices.
 class ORV_API FaceU32 {
  public:
+  /// The first vertex three times.
   FaceU32() = default;
   /// A triangle of these vertices.
   FaceU32(unsigned int index_a, unsigned int index_b, unsigned int index_c)

@@ -36,6 +36,7 @@ class ORV_API GeometryCore {
   /// Largest number of attribute arrays.
   static constexpr unsigned int MAX_VERTEX_ATTRIBS = GeometryCoreAllocParams::MAX_VERTEX_ATTRIBS;
 
+  /// Without vertices and faces, with the default allocation parameters.
   GeometryCore();
   /// Frees all arrays and the vertex buffer record; GPU objects are not touched.
   virtual ~GeometryCore();

@@ -34,6 +34,7 @@ class ORV_API GeometryCoreAllocParams {
 /// The same fields as they are handed about by meshes, models and loaders.
 class ORV_API MeshDataVertexAttribsAllocParams : public GeometryCoreAllocParams {
  public:
+  /// The defaults of GeometryCoreAllocParams.
   MeshDataVertexAttribsAllocParams() = default;
   /// Takes over all fields.
   MeshDataVertexAttribsAllocParams(const GeometryCoreAllocParams& params)

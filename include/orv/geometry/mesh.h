@@ -22,6 +22,7 @@ struct MeshUserGeometry;
 /// alone, a node its Object children too.
 class ORV_API Mesh : public Object {
  public:
+  /// A node with data of its own, without vertices and faces.
   Mesh();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit Mesh(VERTEX_FORMAT format);

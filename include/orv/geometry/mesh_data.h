@@ -11,6 +11,7 @@ namespace orv {
 /// Geometry of one or several meshes, which share it by reference count (see Mesh).
 class ORV_API MeshData : public GeometryCore {
  public:
+  /// Without vertices and faces, attached to no mesh.
   MeshData();
   ~MeshData() override;
 

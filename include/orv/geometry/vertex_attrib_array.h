@@ -13,6 +13,7 @@ namespace orv {
 /// pointers has to call `update_needed(true)` afterwards; the methods that write do it themselves.
 class ORV_API VertexAttribArray {
  public:
+  /// Without storage, name and location.
   VertexAttribArray() = default;
   ~VertexAttribArray();
   VertexAttribArray(const VertexAttribArray&) = delete;

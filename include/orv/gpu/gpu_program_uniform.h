@@ -14,6 +14,7 @@ class ORV_API GpuProgramUniform {
   /// gpu_buffer_offset of a uniform that is not in a constant buffer.
   static constexpr unsigned int NO_OFFSET = 0xFFFFFFFFu;
 
+  /// Without a name, a single integer.
   GpuProgramUniform() = default;
 
   /// @{

@@ -11,6 +11,7 @@ namespace orv {
 /// Keeps materials, so that loaders share them by name.
 class ORV_API MaterialMgr : public ResourceMgr {
  public:
+  /// A registry of its own; the library uses the one instance alone.
   MaterialMgr();
   ~MaterialMgr() override;
 

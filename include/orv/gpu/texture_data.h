@@ -17,6 +17,7 @@ namespace orv {
 /// fields of the API object. Fields are public, since renderers live in modules of their own.
 class ORV_API TextureData {
  public:
+  /// A 2D texture without pixels.
   TextureData();
   /// Frees the pixels. The API object is the renderer's and must be unloaded before.
   ~TextureData();

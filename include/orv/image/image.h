@@ -26,6 +26,7 @@ namespace orv {
 /// All operations report failure by false, none logs. One thread at a time.
 class ORV_API Image {
  public:
+  /// Without size, format and pixels.
   Image();
   /// Copies like operator=.
   Image(const Image& other);

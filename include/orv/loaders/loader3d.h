@@ -17,6 +17,7 @@ struct Loader3DData;
 /// The directories are kept in the loader, so one loader must not run on two threads at once.
 class ORV_API Loader3D : public Plugin {
  public:
+  /// A plugin of the type of loaders, without names and directories.
   Loader3D();
   ~Loader3D() override;
   Loader3D(const Loader3D&) = delete;

@@ -19,6 +19,7 @@ namespace orv {
 /// that name missing vertices and nodes that are their own ancestors are left out.
 class ORV_API Loader3D_Lib3ds : public Loader3D {
  public:
+  /// Ready to load.
   Loader3D_Lib3ds();
   ~Loader3D_Lib3ds() override;
 

@@ -14,6 +14,7 @@ namespace orv {
 /// over, and a face index that names no element, relative ones included, takes the first element.
 class ORV_API Loader3D_OBJ : public Loader3D {
  public:
+  /// Ready to load.
   Loader3D_OBJ();
   ~Loader3D_OBJ() override;
 

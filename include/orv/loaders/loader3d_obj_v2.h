@@ -13,6 +13,7 @@ namespace orv {
 /// Polygons of thousands of corners, which would take it too long, become fans instead.
 class ORV_API Loader3D_OBJ_V2 : public Loader3D {
  public:
+  /// Ready to load.
   Loader3D_OBJ_V2();
   ~Loader3D_OBJ_V2() override;
 

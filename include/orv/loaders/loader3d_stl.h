@@ -12,6 +12,7 @@ namespace orv {
 /// vertices for each triangle, with the facet's normal. The file's Z axis becomes the Y axis.
 class ORV_API Loader3D_STL : public Loader3D {
  public:
+  /// Ready to load.
   Loader3D_STL();
   ~Loader3D_STL() override;
 

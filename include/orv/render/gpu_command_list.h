@@ -9,6 +9,7 @@ namespace orv {
 /// Command list record of Direct3D and Vulkan back ends.
 class ORV_API GpuCommandList {
  public:
+  /// With an identity of its own.
   GpuCommandList();
 
   /// Identity within the process.

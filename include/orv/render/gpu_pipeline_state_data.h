@@ -10,6 +10,7 @@ namespace orv {
 /// it; what the values mean is up to the back end. Copies keep the id of their source.
 class ORV_API GpuPipelineStateData {
  public:
+  /// With an identity and the name made of it.
   GpuPipelineStateData();
 
   /// Identity within the process.

@@ -22,6 +22,7 @@ struct RendererData;
 /// without a message. All operations belong to the thread that holds the current context.
 class ORV_API Renderer : public Plugin {
  public:
+  /// Without a name and an API, for derived classes.
   Renderer();
   ~Renderer() override;
 

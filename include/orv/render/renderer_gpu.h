@@ -9,6 +9,7 @@ namespace orv {
 /// One physical GPU seen by a renderer. Made by Renderer::gpu_create, deleted by gpu_kill.
 class ORV_API RendererGpu {
  public:
+  /// With an identity of its own; hosts call Renderer::gpu_create.
   RendererGpu();
   virtual ~RendererGpu();
   RendererGpu(const RendererGpu&) = delete;

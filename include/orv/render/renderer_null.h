@@ -11,6 +11,7 @@ namespace orv {
 /// false or null. A host makes it itself.
 class ORV_API RendererNull : public Renderer {
  public:
+  /// Ready to use.
   RendererNull();
   ~RendererNull() override;
 

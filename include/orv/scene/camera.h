@@ -25,6 +25,8 @@ struct CameraData;
 /// both in step; Object's setters, reached through an Object reference, do not move the view.
 class ORV_API Camera : public Object {
  public:
+  /// At (0, 0, 10), looking along -Z, with a field of view of 60 degrees, an aspect of 16:9 and
+  /// planes at 1 and 1000.
   Camera();
   ~Camera() override;
   Camera(const Camera&) = delete;

@@ -12,6 +12,7 @@ namespace orv {
 /// The parameters of one light. The texts belong to the record, are made with new[] and may be
 /// null.
 struct ORV_API LightData {
+  /// The values below; base names are "orv_light_position" and so on.
   LightData();
   ~LightData();
   LightData(const LightData&) = delete;
@@ -34,6 +35,7 @@ struct ORV_API LightData {
 /// to the current GPU program, as uniforms named by a base name, "_" and the light's index.
 class ORV_API Light : public Object {
  public:
+  /// At the origin, with the values of LightData.
   Light();
   ~Light() override;
   Light(const Light&) = delete;

@@ -13,6 +13,7 @@ namespace orv {
 /// are allocated.
 class ORV_API Model : public Object {
  public:
+  /// Without children.
   Model();
   ~Model() override;
   Model(const Model&) = delete;

@@ -29,6 +29,7 @@ struct ObjectData;
 /// operations is a contract with plugins.
 class ORV_API Object : public Node {
  public:
+  /// At the origin, neither turned nor scaled, without materials.
   Object();
   /// Frees what the object owns. Materials and the program are released by _cleanup, not here.
   ~Object() override;

@@ -17,6 +17,7 @@ struct SceneData;
 /// nor models: a host calls cleanup and model_kill_all before SceneMgr::kill_scene.
 class ORV_API Scene {
  public:
+  /// With an empty root; hosts call SceneMgr::create_scene.
   Scene();
   virtual ~Scene();
   Scene(const Scene&) = delete;

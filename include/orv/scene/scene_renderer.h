@@ -10,6 +10,7 @@ namespace orv {
 /// Draws the plain objects directly below a node. A host derives its own class to add to it.
 class ORV_API SceneRenderer {
  public:
+  /// Ready to use.
   SceneRenderer();
   virtual ~SceneRenderer();
   SceneRenderer(const SceneRenderer&) = delete;

@@ -9,6 +9,7 @@ namespace orv {
 /// A rectangle of a window in pixels, from its lower left corner.
 class ORV_API Viewport {
  public:
+  /// No size.
   Viewport() = default;
 
   /// @{

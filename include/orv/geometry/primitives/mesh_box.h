@@ -11,6 +11,7 @@ namespace orv {
 /// a change of its parameters.
 class ORV_API MeshBox : public Mesh {
  public:
+  /// 2 x 2 x 2 scene units, two segments along each side.
   MeshBox();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshBox(VERTEX_FORMAT format);

@@ -11,6 +11,7 @@ namespace orv {
 /// culling back faces shows its inside. Built by the next build after a change of its parameters.
 class ORV_API MeshBox8v : public Mesh {
  public:
+  /// 2 x 2 x 2 scene units.
   MeshBox8v();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshBox8v(VERTEX_FORMAT format);

@@ -12,6 +12,7 @@ namespace orv {
 /// parameters.
 class ORV_API MeshCylinder : public Mesh {
  public:
+  /// Radius 5 and height 10 scene units, 20 stacks, 20 slices.
   MeshCylinder();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshCylinder(VERTEX_FORMAT format);

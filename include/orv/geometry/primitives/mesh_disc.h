@@ -11,6 +11,7 @@ namespace orv {
 /// change of its parameters.
 class ORV_API MeshDisc : public Mesh {
  public:
+  /// Radius 10 and thickness 5 scene units, 20 slices.
   MeshDisc();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshDisc(VERTEX_FORMAT format);

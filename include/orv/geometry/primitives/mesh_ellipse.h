@@ -11,6 +11,7 @@ namespace orv {
 /// change of its parameters.
 class ORV_API MeshEllipse : public Mesh {
  public:
+  /// Radii of 4 scene units, 10 slices, 2 rings, all of 360 degrees.
   MeshEllipse();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshEllipse(VERTEX_FORMAT format);

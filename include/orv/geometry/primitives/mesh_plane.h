@@ -11,6 +11,7 @@ namespace orv {
 /// build after a change of its parameters.
 class ORV_API MeshPlane : public Mesh {
  public:
+  /// 10 x 10 scene units, 4 x 4 cells, not turned.
   MeshPlane();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshPlane(VERTEX_FORMAT format);

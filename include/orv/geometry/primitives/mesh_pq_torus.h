@@ -11,6 +11,7 @@ namespace orv {
 /// it has no faces of three. Built by the next build after a change of its parameters.
 class ORV_API MeshPQTorus : public Mesh {
  public:
+  /// 256 rings of 16 vertices, 2 and 5 turns.
   MeshPQTorus();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshPQTorus(VERTEX_FORMAT format);

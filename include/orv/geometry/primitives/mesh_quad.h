@@ -11,6 +11,7 @@ namespace orv {
 /// geometry until set_build_params was called.
 class ORV_API MeshQuad : public Mesh {
  public:
+  /// 10 x 10 scene units, once its parameters were set.
   MeshQuad();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshQuad(VERTEX_FORMAT format);

@@ -10,6 +10,7 @@ namespace orv {
 /// Square from (0, 0) to (1, 1) whose texture coordinates equal its positions.
 class ORV_API MeshQuadHud : public Mesh {
  public:
+  /// To be built.
   MeshQuadHud();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshQuadHud(VERTEX_FORMAT format);

@@ -11,6 +11,7 @@ namespace orv {
 /// its parameters.
 class ORV_API MeshSphere : public Mesh {
  public:
+  /// Radius 4 scene units, 20 stacks, 20 slices.
   MeshSphere();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshSphere(VERTEX_FORMAT format);

@@ -11,6 +11,7 @@ namespace orv {
 /// change of its parameters.
 class ORV_API MeshTorus : public Mesh {
  public:
+  /// Radius 5 scene units, tube radius 2, 20 slices.
   MeshTorus();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshTorus(VERTEX_FORMAT format);

@@ -11,6 +11,7 @@ namespace orv {
 /// Triangle of three given corners. Built by the next build after a change of its parameters.
 class ORV_API MeshTriangle : public Mesh {
  public:
+  /// All corners at the origin.
   MeshTriangle();
   /// Has data of its own for VERTEX_FORMAT_DEFAULT and none for any other format.
   explicit MeshTriangle(VERTEX_FORMAT format);
