@@ -7,6 +7,7 @@
 
 namespace orv {
 
+/// Services of one call.
 namespace aux {
 
 /// Kernel::load_model_from_file: a model from the first loader that takes the file, the caller's;

@@ -6,8 +6,10 @@
 #include <orv/core/log.h>
 #include <orv/fwd.h>
 
+/// The whole library.
 namespace orv {
 
+/// Start, stop and the default log.
 namespace core {
 
 /// Starts the log manager and the Kernel. The log is written to `log_filename`, or to no file when

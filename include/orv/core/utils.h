@@ -8,6 +8,7 @@
 
 namespace orv {
 
+/// Identifiers, sleeping, clocks and the platform.
 namespace utils {
 
 // ---- identifiers ----
