@@ -24,6 +24,16 @@ struct RendererOpenGL::TargetOptions {
   bool clamp = true;
   int msaa = 0;
   const char* kind = "GPU render target";  // of failures
+
+  static TargetOptions depth_only(GLenum gl_target, int width, int height, bool linear,
+                                  bool clamp) {
+    return {.gl_target = gl_target,
+            .width = width,
+            .height = height,
+            .linear = linear,
+            .clamp = clamp,
+            .kind = "GPU render target - create depth only target"};
+  }
 };
 
 // ---- limits ----
@@ -42,7 +52,10 @@ int RendererOpenGL::limit_samples(int samples, bool as_texture, bool integer) {
                  : gl_.glRenderbufferStorageMultisample != nullptr;
   if (!possible) return 0;
   int limit = read_integer(GL_MAX_SAMPLES);
-  if (integer && as_texture) limit = std::min(limit, read_integer(GL_MAX_INTEGER_SAMPLES));
+  // The limit of integers came with multisampled textures.
+  if (integer && has_texture_target(GL_TEXTURE_2D_MULTISAMPLE)) {
+    limit = std::min(limit, read_integer(GL_MAX_INTEGER_SAMPLES));
+  }
   return std::clamp(samples, 0, std::max(limit, 0));
 }
 
@@ -167,17 +180,10 @@ bool RendererOpenGL::gpu_render_target_init_2d(RendererGpu*, GpuRenderTarget* ta
                                                int height, PIXEL_FORMAT format,
                                                unsigned int num_color, bool depth_as_renderbuffer,
                                                bool linear_filtering, bool clamp, int msaa) {
-  TargetOptions options;
-  options.msaa = limit_samples(msaa, true, gl_target_format(format).integer);
-  options.gl_target = options.msaa > 0 ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D;
-  options.width = width;
-  options.height = height;
-  options.format = format;
-  options.num_color = num_color;
-  options.depth_as_renderbuffer = depth_as_renderbuffer;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  return init_texture_target(target, options);
+  const int samples = limit_samples(msaa, true, gl_target_format(format).integer);
+  const GLenum gl_target = samples > 0 ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D;
+  return init_texture_target(target, {gl_target, width, height, 0, format, num_color,
+                                      depth_as_renderbuffer, linear_filtering, clamp, samples});
 }
 
 bool RendererOpenGL::gpu_render_target_init_rect(RendererGpu*, GpuRenderTarget* target, int width,
@@ -185,57 +191,32 @@ bool RendererOpenGL::gpu_render_target_init_rect(RendererGpu*, GpuRenderTarget* 
                                                  unsigned int num_color, bool depth_as_renderbuffer,
                                                  bool linear_filtering, bool clamp, int) {
   if (!has_texture_target(GL_TEXTURE_RECTANGLE)) return false;
-  TargetOptions options;
-  options.gl_target = GL_TEXTURE_RECTANGLE;  // which has no samples
-  options.width = width;
-  options.height = height;
-  options.format = format;
-  options.num_color = num_color;
-  options.depth_as_renderbuffer = depth_as_renderbuffer;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  return init_texture_target(target, options);
+  // Rectangles have no samples.
+  return init_texture_target(target, {GL_TEXTURE_RECTANGLE, width, height, 0, format, num_color,
+                                      depth_as_renderbuffer, linear_filtering, clamp});
 }
 
 bool RendererOpenGL::gpu_render_target_init_cube(RendererGpu*, GpuRenderTarget* target, int size,
                                                  PIXEL_FORMAT format, bool depth_as_renderbuffer,
                                                  int, bool linear_filtering, bool clamp) {
-  TargetOptions options;
-  options.gl_target = GL_TEXTURE_CUBE_MAP;  // which has no samples
-  options.width = size;
-  options.height = size;
-  options.format = format;
-  options.num_color = 1;
-  options.depth_as_renderbuffer = depth_as_renderbuffer;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  return init_texture_target(target, options);
+  // Nor have cubes.
+  return init_texture_target(target, {GL_TEXTURE_CUBE_MAP, size, size, 0, format, 1,
+                                      depth_as_renderbuffer, linear_filtering, clamp});
 }
 
 bool RendererOpenGL::gpu_render_target_init_depth_2d(RendererGpu*, GpuRenderTarget* target,
                                                      int width, int height, bool linear_filtering,
                                                      bool clamp) {
-  TargetOptions options;
-  options.width = width;
-  options.height = height;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  options.kind = "GPU render target - create depth only target";
-  return init_texture_target(target, options);
+  return init_texture_target(
+      target, TargetOptions::depth_only(GL_TEXTURE_2D, width, height, linear_filtering, clamp));
 }
 
 bool RendererOpenGL::gpu_render_target_init_depth_rect(RendererGpu*, GpuRenderTarget* target,
                                                        int width, int height, bool linear_filtering,
                                                        bool clamp) {
   if (!has_texture_target(GL_TEXTURE_RECTANGLE)) return false;
-  TargetOptions options;
-  options.gl_target = GL_TEXTURE_RECTANGLE;
-  options.width = width;
-  options.height = height;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  options.kind = "GPU render target - create depth only target";
-  return init_texture_target(target, options);
+  return init_texture_target(target, TargetOptions::depth_only(GL_TEXTURE_RECTANGLE, width, height,
+                                                               linear_filtering, clamp));
 }
 
 bool RendererOpenGL::gpu_render_target_init_2d_array(RendererGpu*, GpuRenderTarget* target,
@@ -249,28 +230,20 @@ bool RendererOpenGL::gpu_render_target_init_2d_array(RendererGpu*, GpuRenderTarg
     LogMgr::get().tracef_warning("number of layers limited to %d", limit);
     layers = static_cast<unsigned int>(std::max(limit, 0));
   }
-  TargetOptions options;
-  options.gl_target = GL_TEXTURE_2D_ARRAY;  // which has no samples here
-  options.layers = layers;
-  options.width = width;
-  options.height = height;
-  options.format = format;
-  options.num_color = 1;
-  options.depth_as_renderbuffer = depth_as_renderbuffer;
-  options.linear = linear_filtering;
-  options.clamp = clamp;
-  return init_texture_target(target, options);
+  // Arrays have no samples here.
+  return init_texture_target(target, {GL_TEXTURE_2D_ARRAY, width, height, layers, format, 1,
+                                      depth_as_renderbuffer, linear_filtering, clamp});
 }
 
 bool RendererOpenGL::gpu_render_target_init_rb(RendererGpu*, GpuRenderTarget* target, int width,
                                                int height, PIXEL_FORMAT format, bool with_color,
                                                unsigned int num_color, bool with_depth, int msaa) {
-  TargetOptions options;
-  options.msaa = limit_samples(msaa, false, false);
-  options.width = width;
-  options.height = height;
-  options.format = format;
-  options.num_color = with_color ? num_color : 0;
+  const TargetOptions options = {
+      .width = width,
+      .height = height,
+      .format = format,
+      .num_color = with_color ? num_color : 0,
+      .msaa = limit_samples(msaa, false, with_color && gl_target_format(format).integer)};
   if (!begin_target(target, options)) return false;
   GpuRenderTargetDataGL& data = target->gl;
   target->has_depth = with_depth;

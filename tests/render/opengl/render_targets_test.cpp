@@ -251,6 +251,25 @@ TEST_F(RenderTargetsTest, RenderbuffersAndTheirSamplesAreCapped) {
               SizeIs(8));
 }
 
+TEST_F(RenderTargetsTest, IntegerRenderbuffersHaveFewerSamples) {
+  start();
+  ASSERT_TRUE(
+      renderer.gpu_render_target_init_rb(nullptr, &target, 4, 4, PF_R_U32, true, 1, true, 8));
+  EXPECT_EQ(4, target.msaa_samples);
+  ASSERT_TRUE(
+      renderer.gpu_render_target_init_rb(nullptr, &target, 4, 4, PF_R_U32, false, 1, true, 8));
+  EXPECT_EQ(8, target.msaa_samples) << "no integers without colour";
+}
+
+TEST_F(RenderTargetsTest, OldDriversAreNotAskedForTheLimitOfIntegers) {
+  gl.set_extensions({});
+  start(3, 0, false);
+  renderer.gpu_render_target_init_rb(nullptr, &target, 4, 4, PF_R_U32, true, 1, false, 8);
+  for (const std::string& call : gl.calls_of({"glGetIntegerv"})) {
+    EXPECT_EQ(std::string::npos, call.find("GL_MAX_INTEGER_SAMPLES"));
+  }
+}
+
 TEST_F(RenderTargetsTest, DepthRenderbufferAlone) {
   start();
   ASSERT_TRUE(
