@@ -85,6 +85,10 @@ struct GlTextureUnits {
   std::vector<GlUnitBindings> by_target;  ///< as long as bound
 
   bool has(unsigned int unit) const { return unit < bound.size(); }
+  /// So many units with nothing bound.
+  void reset(std::size_t count);
+  /// Takes a texture from wherever it is bound.
+  void forget(unsigned int id);
 };
 
 /// Implementation of Renderer over OpenGL: see renderer.h for what the operations do. The methods
@@ -203,6 +207,8 @@ class RendererOpenGL : public Renderer {
   void note_context_destroyed(const RenderWindow* window);
   void note_context_saved(const RenderWindow* window);
   void note_context_restored(const RenderWindow* window);
+  /// Units belong to a context: keeps those of the one before, takes up those of the next.
+  void change_context(unsigned int id);
   /// Deletes what was made for the current context, forgets what was made for others.
   void release_context_objects();
 
@@ -312,7 +318,8 @@ class RendererOpenGL : public Renderer {
 
   // ---- texture_update.cpp ----
   bool is_updatable(TextureData* texture, TEXTURE_TYPE type);
-  bool is_specified_anew(TextureData* texture);
+  bool has_possible_size(const TextureData& texture) const;
+  bool is_specified_anew(TextureData* texture, bool own_pixels);
   void refresh_mipmaps(const TextureData& texture);
   void update_faces(const TextureData& texture);
   bool read_texture(TextureData* texture, TEXTURE_TYPE type);
@@ -363,7 +370,8 @@ class RendererOpenGL : public Renderer {
   GlShadowState shadow_;
   GlUsageOptions usage_;
   GlBoundGeometry bound_;
-  GlTextureUnits units_;
+  GlTextureUnits units_;                                              // of the current context
+  std::unordered_map<unsigned int, GlTextureUnits> units_of_others_;  // by context
   int max_texture_size_ = 0;
   int max_vertex_attribs_ = 0;
   unsigned int current_program_id_ = 0;

@@ -266,9 +266,7 @@ bool RendererOpenGL::apply_pipeline_state() {
 }
 
 void RendererOpenGL::resize_texture_units(int count) {
-  units_.current = 0;
-  units_.bound.assign(static_cast<std::size_t>(count > 0 ? count : 1), 0u);
-  units_.by_target.assign(units_.bound.size(), GlUnitBindings());
+  units_.reset(static_cast<std::size_t>(count > 0 ? count : 1));
 }
 
 void RendererOpenGL::apply_starting_state() {

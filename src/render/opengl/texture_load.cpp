@@ -99,6 +99,11 @@ bool RendererOpenGL::texture_load_cube(RendererGpu*, TextureData* texture, unsig
               static_cast<unsigned long>(face.width));
     return false;
   }
+  if (face.width != face.height) {
+    LogMgr::get().tracef_debug("texture %s not loaded: faces of %ux%u are not square",
+                               texture->texture_name, face.width, face.height);
+    return false;
+  }
   if (!load_texture(texture, unit)) return false;
   LogMgr::get().tracef("cube texture loaded ok (GL id=%d, size=%dx%d)",
                        static_cast<int>(texture->gl_texture_id), static_cast<int>(face.width),

@@ -1,6 +1,8 @@
 // Texture units and image units: what is bound to them.
 #include <orv/gpu/texture_data.h>
 
+#include <algorithm>
+
 #include "render/opengl/gl_draw_enums.h"
 #include "render/opengl/renderer_opengl.h"
 
@@ -24,20 +26,27 @@ void RendererOpenGL::bind_texture(unsigned int unit, unsigned int target, unsign
 }
 
 bool RendererOpenGL::bind_texture_id(unsigned int target, unsigned int id, unsigned int unit) {
-  if (!core_.glBindTexture || !units_.has(unit)) return false;
+  if (!core_.glBindTexture || !units_.has(unit) || !has_texture_target(target)) return false;
   bind_texture(unit, target, id);
   return true;
 }
 
+void GlTextureUnits::reset(std::size_t count) {
+  current = 0;
+  bound.assign(count, 0u);
+  by_target.assign(count, GlUnitBindings());
+}
+
+void GlTextureUnits::forget(unsigned int id) {
+  std::replace(bound.begin(), bound.end(), id, 0u);
+  for (GlUnitBindings& bindings : by_target) {
+    std::replace(std::begin(bindings.ids), std::end(bindings.ids), id, 0u);
+  }
+}
+
 void RendererOpenGL::forget_texture(unsigned int id) {
-  for (unsigned int& bound : units_.bound) {
-    if (bound == id) bound = 0;
-  }
-  for (GlUnitBindings& bindings : units_.by_target) {
-    for (unsigned int& bound : bindings.ids) {
-      if (bound == id) bound = 0;
-    }
-  }
+  units_.forget(id);
+  for (auto& [context_id, units] : units_of_others_) units.forget(id);
 }
 
 void RendererOpenGL::delete_texture_id(unsigned int* id) {

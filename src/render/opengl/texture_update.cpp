@@ -2,6 +2,7 @@
 #include <orv/core/log_mgr.h>
 #include <orv/gpu/texture_data.h>
 
+#include <algorithm>
 #include <cstddef>
 
 #include "render/opengl/renderer_opengl.h"
@@ -17,6 +18,14 @@ namespace {
 /// Whether a stretch of a side lies within it.
 bool is_stretch(int start, int length, unsigned int size) {
   return start >= 0 && length > 0 && static_cast<long long>(start) + length <= size;
+}
+
+/// Whether a stretch of a side takes no part of a block, where the texture has blocks.
+bool has_whole_blocks(const TextureData& texture, int start, int length, unsigned int size) {
+  constexpr int BLOCK = 4;
+  if (texture.gpu_memory_size_compressed == 0) return true;
+  const bool to_the_end = static_cast<long long>(start) + length == size;
+  return start % BLOCK == 0 && (length % BLOCK == 0 || to_the_end);
 }
 
 /// Where a region of an image starts.
@@ -36,18 +45,26 @@ bool RendererOpenGL::is_updatable(TextureData* texture, TEXTURE_TYPE type) {
   // Asked for and impossible: not to be asked for again at each binding.
   texture->gpu_update_needed = false;
   return texture->gl_texture_id != 0 && core_.glTexSubImage2D && !units_.bound.empty() &&
-         gl_texture_format(texture->get_pixel_format()).is_valid();
+         gl_texture_format(texture->get_pixel_format()).is_valid() && has_possible_size(*texture);
 }
 
-bool RendererOpenGL::is_specified_anew(TextureData* texture) {
+bool RendererOpenGL::has_possible_size(const TextureData& texture) const {
+  const Image& image = texture.get_main_image();
+  const auto limit = static_cast<unsigned int>(std::max(max_texture_size_, 0));
+  if (image.width > limit || image.height > limit) return false;
+  return texture.type != TEXTURE_CUBE || image.width == image.height;
+}
+
+bool RendererOpenGL::is_specified_anew(TextureData* texture, bool own_pixels) {
   // What others specified is not known here and stays as it is.
   if (texture->gl_texture_borrowed || texture->uploaded_format == PF_UNKNOWN) return false;
   const Image& image = texture->get_main_image();
   const bool same = image.width == texture->uploaded_width &&
                     image.height == texture->uploaded_height &&
                     image.pixel_format == texture->uploaded_format;
-  // Blocks of compressed textures are not written in part.
-  if (same && !texture->gpu_compression) return false;
+  // Blocks of compressed textures are not written in part: with the whole image at hand all of it
+  // is sent.
+  if (same && !(own_pixels && texture->gpu_compression)) return false;
   if (image.width == 0 || image.height == 0) return false;
   specify_texture(texture, upload_pixels(image));
   core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
@@ -65,7 +82,7 @@ bool RendererOpenGL::texture_update_1d(TextureData* texture, int offset, int wid
   const void* pixels = upload_pixels(image);
   if (!pixels || !is_stretch(offset, width, image.width)) return false;
   bind_texture(units_.current, GL_TEXTURE_1D, texture->gl_texture_id);
-  if (!is_specified_anew(texture)) {
+  if (!is_specified_anew(texture, true)) {
     const GlPixelFormat format = gl_texture_format(image.pixel_format);
     core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     core_.glTexSubImage1D(GL_TEXTURE_1D, 0, offset, width, format.format, format.type,
@@ -84,7 +101,7 @@ bool RendererOpenGL::texture_update_2d(TextureData* texture, int x, int y, int w
     return false;
   }
   if (flag != 0) bind_texture(units_.current, GL_TEXTURE_2D, texture->gl_texture_id);
-  if (!is_specified_anew(texture)) {
+  if (!is_specified_anew(texture, true)) {
     const GlPixelFormat format = gl_texture_format(image.pixel_format);
     const bool is_partial = static_cast<unsigned int>(width) != image.width;
     core_.glPixelStorei(GL_UNPACK_ALIGNMENT, gl_row_alignment(image.width));
@@ -103,8 +120,14 @@ bool RendererOpenGL::texture_update_2d_v2(TextureData* texture, int x, int y, in
   if (!is_updatable(texture, TEXTURE_2D) || !pixels) return false;
   const Image& image = texture->get_main_image();
   if (!is_stretch(x, width, image.width) || !is_stretch(y, height, image.height)) return false;
+  if (!has_whole_blocks(*texture, x, width, image.width) ||
+      !has_whole_blocks(*texture, y, height, image.height)) {
+    LogMgr::get().tracef_debug("texture %s not updated: its blocks are written whole",
+                               texture->texture_name);
+    return false;
+  }
   if (flag != 0) bind_texture(units_.current, GL_TEXTURE_2D, texture->gl_texture_id);
-  is_specified_anew(texture);
+  is_specified_anew(texture, false);
   const GlPixelFormat format = gl_texture_format(image.pixel_format);
   core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   core_.glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, width, height, format.format, format.type, pixels);
@@ -115,7 +138,7 @@ bool RendererOpenGL::texture_update_2d_v2(TextureData* texture, int x, int y, in
 bool RendererOpenGL::texture_load_cube_all_faces(TextureData* texture) {
   if (!is_updatable(texture, TEXTURE_CUBE) || !texture->has_pixels()) return false;
   bind_texture(units_.current, GL_TEXTURE_CUBE_MAP, texture->gl_texture_id);
-  if (!is_specified_anew(texture)) update_faces(*texture);
+  if (!is_specified_anew(texture, true)) update_faces(*texture);
   refresh_mipmaps(*texture);
   return true;
 }

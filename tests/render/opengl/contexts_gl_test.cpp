@@ -1,3 +1,5 @@
+#include <orv/gpu/gpu_render_target.h>
+
 #include "render/opengl/gl_fixture.h"
 
 using namespace orv;
@@ -40,4 +42,32 @@ TEST(ContextsGlTest, GeometryIsDrawnInEachOfTwoContextsThatShareIt) {
   }
   ASSERT_TRUE(renderer.render_window_make_current(one, true));
   EXPECT_TRUE(renderer.geometry_vbo_destroy(&triangle));
+}
+
+TEST(ContextsGlTest, TexturesOfAContextThatSharesNothingStayThere) {
+  GlContext first(GlContext::CORE);
+  ORV_REQUIRE_GL(first);
+  RendererOpenGL& renderer = first.renderer();
+  RenderWindow* one = first.window();
+  OffscreenWindow surface(64, 64, OffscreenWindow::SOFTWARE);
+  RenderWindowData data;
+  data.native_window = surface.native_handle();
+  data.gl_major = 3;
+  data.core_profile = true;
+  RenderWindow* two = renderer.render_window_alloc();
+  ASSERT_TRUE(renderer.render_window_create_context(two, &data, nullptr));
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+  unsigned int texture = 0;
+  ASSERT_TRUE(renderer.texture_create_2d_by_id(&texture, 4, 4, PF_RGBA_U8, nullptr,
+                                               SAMPLER_FILTERING_LINEAR, SAMPLER_ADDRESSING_WRAP));
+  ASSERT_TRUE(renderer.texture_bind_2d_by_id(texture, 0));
+  ASSERT_TRUE(renderer.render_window_make_current(two, true));
+  GpuRenderTarget target;
+  EXPECT_TRUE(renderer.gpu_render_target_init_2d(nullptr, &target, 8, 8, PF_RGBA_U8, 1, false,
+                                                 false, true, 0));
+  EXPECT_EQ(0u, renderer.core_functions().glGetError()) << "the other context's was bound again";
+  renderer.gpu_render_target_release(nullptr, &target);
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+  EXPECT_EQ(texture, renderer.get_texture_2d_binding_of_unit(0));
+  renderer.texture_delete_id(texture);
 }

@@ -1,11 +1,14 @@
 #include <orv/geometry/geometry_core.h>
+#include <orv/gpu/texture_data.h>
 #include <orv/render/render_window.h>
 
 #include "render/opengl/fake_gl_fixture.h"
+#include "support/fake_back_end.h"
 
 using namespace orv;
 using namespace orv::test;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
@@ -55,4 +58,73 @@ TEST_F(ContextsTest, StopDeletesTheObjectsOfTheCurrentContext) {
   EXPECT_GT(gl.live_ids().size(), before.size());
   renderer.stop();
   EXPECT_EQ(before, gl.live_ids());
+}
+
+// ---- texture units ----
+
+class ContextUnitsTest : public FakeGlTest {
+ protected:
+  void SetUp() override {
+    renderer.use_context_back_end(&back_end);
+    start();
+    one = make_window();
+    two = make_window();
+    texture.gl_texture_id = 50;
+    ASSERT_TRUE(renderer.render_window_make_current(one, true));
+    ASSERT_TRUE(renderer.texture_bind_2d_by_id(90, 3));
+    gl.clear();
+  }
+  void TearDown() override { renderer.render_window_free_all(); }
+  RenderWindow* make_window() {
+    RenderWindow* window = renderer.render_window_alloc();
+    RenderWindowData data;
+    data.native_window = this;
+    EXPECT_TRUE(renderer.render_window_create_context(window, &data, nullptr));
+    return window;
+  }
+  /// What a setter binds, and what it puts back.
+  Calls set_filtering() {
+    gl.clear();
+    renderer.texture_set_filtering_mode(&texture, SAMPLER_FILTERING_LINEAR);
+    return gl.calls_of({"glActiveTexture", "glBindTexture"});
+  }
+
+  FakeBackEnd back_end{gl};
+  RenderWindow* one = nullptr;
+  RenderWindow* two = nullptr;
+  TextureData texture;
+};
+
+TEST_F(ContextUnitsTest, AnotherContextHasUnitsOfItsOwn) {
+  ASSERT_TRUE(renderer.render_window_make_current(two, true));
+  EXPECT_THAT(set_filtering(),
+              ElementsAre("glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 50)",
+                          "glBindTexture(GL_TEXTURE_2D, 0)"));
+}
+
+TEST_F(ContextUnitsTest, UnitsOfAContextAreStillKnownWhenItIsBoundAgain) {
+  ASSERT_TRUE(renderer.render_window_make_current(two, true));
+  ASSERT_TRUE(renderer.texture_bind_2d_by_id(91, 3));
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+  EXPECT_THAT(set_filtering(),
+              ElementsAre("glActiveTexture(GL_TEXTURE3)", "glBindTexture(GL_TEXTURE_2D, 50)",
+                          "glBindTexture(GL_TEXTURE_2D, 90)"));
+}
+
+TEST_F(ContextUnitsTest, DeletedTexturesAreNotBoundAgainInAnyContext) {
+  unsigned int id = 0;
+  renderer.core_functions().glGenTextures(1, &id);
+  ASSERT_TRUE(renderer.texture_bind_2d_by_id(id, 3));
+  ASSERT_TRUE(renderer.render_window_make_current(two, true));
+  ASSERT_TRUE(renderer.texture_delete_id(id));
+  ASSERT_TRUE(renderer.render_window_make_current(one, true));
+  EXPECT_EQ("glBindTexture(GL_TEXTURE_2D, 0)", set_filtering().back());
+}
+
+TEST_F(ContextUnitsTest, NewContextOfAWindowStartsEmpty) {
+  ASSERT_TRUE(renderer.render_window_destroy_context(one));
+  RenderWindowData data;
+  data.native_window = this;
+  ASSERT_TRUE(renderer.render_window_create_context(one, &data, nullptr));
+  EXPECT_EQ("glBindTexture(GL_TEXTURE_2D, 0)", set_filtering().back());
 }

@@ -414,6 +414,19 @@ TEST_F(TextureLoadTest, MissingFacesAreBlack) {
   EXPECT_TRUE(log.contains("face 2 has no pixels"));
 }
 
+TEST_F(TextureLoadTest, FacesThatAreNotSquareAreRefused) {
+  start();
+  ASSERT_TRUE(texture.create_cubemap(8, PF_RGBA_U8, true));
+  for (TextureCubeMapFace& face : data()->cubemap_faces) {
+    ASSERT_TRUE(face.image.create(8, 4, 1, PF_RGBA_U8, true, true));
+  }
+  LogCapture log;
+  EXPECT_FALSE(load());
+  EXPECT_FALSE(data()->loaded_in_gpu_memory);
+  EXPECT_TRUE(log.contains("faces of 8x4 are not square"));
+  EXPECT_EQ(0, gl.count("glGenTextures"));
+}
+
 TEST_F(TextureLoadTest, LayersAreLoadedOneByOne) {
   start();
   ASSERT_TRUE(texture.create_2d_array(4, 2, 3, PF_RGBA_U8, true));

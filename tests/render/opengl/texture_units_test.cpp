@@ -99,6 +99,11 @@ TEST_F(TextureUnitsTest, OldDriversKnowFewerTargets) {
               ElementsAre("glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_1D, 0)",
                           "glBindTexture(GL_TEXTURE_2D, 0)", "glBindTexture(GL_TEXTURE_3D, 0)",
                           "glBindTexture(GL_TEXTURE_CUBE_MAP, 0)"));
+  EXPECT_FALSE(renderer.texture_bind_2d_multisample_by_id(7, 0));
+  EXPECT_FALSE(renderer.texture_bind_2d_array_by_id(7, 0));
+  EXPECT_FALSE(renderer.texture_bind_rect_by_id(7, 0));
+  EXPECT_FALSE(renderer.texture_bind_rect_unit(7, 0));
+  EXPECT_THAT(take_changes(), IsEmpty());
 }
 
 TEST_F(TextureUnitsTest, UnbindingAUnitClearsItWhole) {

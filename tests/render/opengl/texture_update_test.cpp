@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "render/opengl/fake_gl_fixture.h"
+#include "support/log_capture.h"
 
 using namespace orv;
 using namespace orv::test;
@@ -163,6 +164,47 @@ TEST_F(TextureUpdateTest, CallersPixelsAreTightlyPacked) {
                           "glTexSubImage2D(GL_TEXTURE_2D, 0, 5, 2, 3, 2, GL_RGBA, "
                           "GL_UNSIGNED_BYTE, ptr)"));
   EXPECT_FALSE(renderer.texture_update_2d_v2(data(), 5, 2, 3, 2, 1, nullptr));
+}
+
+TEST_F(TextureUpdateTest, CallersPixelsGoIntoCompressedTexturesByWholeBlocks) {
+  ASSERT_TRUE(texture.create_2d(10, 8, PF_RGBA_U8, true));
+  texture.set_compression_format("RGBA_S3TC_DXT5");
+  load();
+  data()->gpu_memory_size_compressed = 96;
+  const unsigned char pixels[10 * 8 * 4] = {};
+  const auto send = [&](int x, int y, int width, int height) {
+    return renderer.texture_update_2d_v2(data(), x, y, width, height, 1, pixels);
+  };
+  EXPECT_TRUE(send(4, 4, 4, 4));
+  EXPECT_TRUE(send(8, 0, 2, 8)) << "the last block is cut";
+  EXPECT_EQ(2, gl.count("glTexSubImage2D"));
+  EXPECT_EQ(0, gl.count("glTexImage2D")) << "what the caller sent before stays";
+  gl.clear();
+  LogCapture log;
+  EXPECT_FALSE(send(2, 0, 4, 4));
+  EXPECT_FALSE(send(0, 1, 4, 4));
+  EXPECT_FALSE(send(0, 0, 3, 4));
+  EXPECT_FALSE(send(0, 0, 4, 6));
+  EXPECT_EQ(0, gl.count("glTexSubImage2D"));
+  EXPECT_TRUE(log.contains("blocks"));
+}
+
+TEST_F(TextureUpdateTest, SizesThatNoTextureCanHaveAreRefused) {
+  load_2d();
+  ASSERT_TRUE(texture.create_2d(4097, 1, PF_RGBA_U8, true));
+  EXPECT_FALSE(renderer.texture_update_2d(data(), 0, 0, 4097, 1, 1));
+  EXPECT_FALSE(data()->gpu_update_needed);
+  EXPECT_THAT(gl.changes(), IsEmpty());
+}
+
+TEST_F(TextureUpdateTest, FacesThatAreNotSquareAreRefused) {
+  ASSERT_TRUE(texture.create_cubemap(4, PF_RGB_U8, true));
+  load();
+  for (TextureCubeMapFace& face : data()->cubemap_faces) {
+    ASSERT_TRUE(face.image.create(8, 4, 1, PF_RGB_U8, true, true));
+  }
+  EXPECT_FALSE(renderer.texture_load_cube_all_faces(data()));
+  EXPECT_THAT(gl.changes(), IsEmpty());
 }
 
 TEST_F(TextureUpdateTest, LinesAreSentFromTheOffset) {
