@@ -42,29 +42,30 @@ const GpuProgramVertexAttrib* find_slot(const GpuProgramData& program, const cha
 
 // ---- logs ----
 
-const std::string& RendererOpenGL::read_shader_log(unsigned int shader) {
-  info_log_.clear();
+namespace {
+
+// Shaders and programs have functions of their own for the same thing.
+template <class Ask, class Read>
+void read_log(unsigned int id, Ask ask, Read read, std::string* log) {
+  log->clear();
   GLint size = 0;
-  gl_.glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &size);
+  ask(id, GL_INFO_LOG_LENGTH, &size);
   size = std::min(size, MAX_LOG_SIZE);
-  if (size > 0) {
-    info_log_.resize(static_cast<std::size_t>(size));
-    gl_.glGetShaderInfoLog(shader, size, nullptr, info_log_.data());
-    info_log_.resize(strnlen(info_log_.data(), info_log_.size()));
-  }
+  if (size <= 0) return;
+  log->resize(static_cast<std::size_t>(size));
+  read(id, size, nullptr, log->data());
+  log->resize(strnlen(log->data(), log->size()));
+}
+
+}  // namespace
+
+const std::string& RendererOpenGL::read_shader_log(unsigned int shader) {
+  read_log(shader, gl_.glGetShaderiv, gl_.glGetShaderInfoLog, &info_log_);
   return info_log_;
 }
 
 const std::string& RendererOpenGL::read_program_log(unsigned int id) {
-  info_log_.clear();
-  GLint size = 0;
-  gl_.glGetProgramiv(id, GL_INFO_LOG_LENGTH, &size);
-  size = std::min(size, MAX_LOG_SIZE);
-  if (size > 0) {
-    info_log_.resize(static_cast<std::size_t>(size));
-    gl_.glGetProgramInfoLog(id, size, nullptr, info_log_.data());
-    info_log_.resize(strnlen(info_log_.data(), info_log_.size()));
-  }
+  read_log(id, gl_.glGetProgramiv, gl_.glGetProgramInfoLog, &info_log_);
   return info_log_;
 }
 
@@ -399,7 +400,7 @@ void RendererOpenGL::bind_numbered_attribs(GpuProgramData* program, bool keep_sl
 
 bool RendererOpenGL::gpu_program_bind(GpuProgramData* program) {
   if (!program) return gpu_program_unbind(nullptr);
-  if (!gpu_program_link(program)) return false;
+  if (!gl_.glUseProgram || !gpu_program_link(program)) return false;
   if (program->generic_attribs_detection_needed) detect_generic_attribs(program);
   if (program->attrib_locations_dirty) {
     bind_attrib_slots(program);
@@ -413,7 +414,7 @@ bool RendererOpenGL::gpu_program_bind(GpuProgramData* program) {
 
 bool RendererOpenGL::gpu_program_use(GpuProgramData* program) {
   if (!program) return gpu_program_unbind(nullptr);
-  if (!gpu_program_link(program)) return false;
+  if (!gl_.glUseProgram || !gpu_program_link(program)) return false;
   if (program->generic_attribs_detection_needed) detect_generic_attribs(program);
   if (program->generic_attrib_names_binding_needed) {
     core_.glGetIntegerv(GL_MAX_VERTEX_ATTRIBS, &max_vertex_attribs_);

@@ -222,6 +222,25 @@ TEST_F(ProgramsTest, UnloadDeletesStagesAndProgramAndSaysSo) {
   EXPECT_FALSE(renderer.gpu_program_unload(nullptr));
 }
 
+TEST_F(ProgramsTest, UnloadTakesEightStagesAndAttachingSix) {
+  start();
+  load_stages();
+  program.shader_id[6] = renderer.gl().glCreateShader(GL_VERTEX_SHADER);
+  program.shader_id[7] = renderer.gl().glCreateShader(GL_VERTEX_SHADER);
+  const std::string stages[] = {std::to_string(program.shader_id[6]),
+                                std::to_string(program.shader_id[7])};
+  ASSERT_TRUE(renderer.gpu_program_attach_shaders(&program));
+  EXPECT_EQ(2, gl.count("glAttachShader"));
+  const std::string old_id = id();
+  EXPECT_TRUE(renderer.gpu_program_unload(&program));
+  for (const std::string& stage : stages) {
+    EXPECT_FALSE(gl.called("glAttachShader(" + old_id + ", " + stage + ")"));
+    EXPECT_TRUE(gl.called("glDetachShader(" + old_id + ", " + stage + ")"));
+    EXPECT_TRUE(gl.called("glDeleteShader(" + stage + ")"));
+  }
+  EXPECT_EQ(0u, program.shader_id[7]);
+}
+
 TEST_F(ProgramsTest, UnloadOfTheCurrentProgramLeavesNoneCurrent) {
   start();
   load_stages();
@@ -550,4 +569,16 @@ TEST_F(ProgramsTest, StoppedRendererHasNoPrograms) {
   EXPECT_FALSE(renderer.gpu_program_validate(&program));
   EXPECT_FALSE(renderer.gpu_program_use_id(1));
   EXPECT_TRUE(renderer.gpu_program_unbind(&program));
+}
+
+TEST_F(ProgramsTest, StoppedRendererBindsNoLinkedProgramEither) {
+  start();
+  load_stages();
+  ASSERT_TRUE(renderer.gpu_program_bind(&program));
+  renderer.stop();
+  EXPECT_EQ(nullptr, renderer.get_current_gpu_program()) << "the record may be gone by the start";
+  EXPECT_FALSE(renderer.gpu_program_bind(&program));
+  EXPECT_FALSE(renderer.gpu_program_use(&program));
+  EXPECT_EQ(nullptr, renderer.get_current_gpu_program());
+  EXPECT_FALSE(renderer.gpu_program_dispatch_compute(&program, 1, 1, 1));
 }
