@@ -210,11 +210,13 @@ bool RendererOpenGL::render_window_share_lists(RenderWindow* a, RenderWindow* b)
   WindowSurface* surface = detail::surface_of(b);
   if (!source || !surface || a == b || !context_of(a) || !context_of(b)) return false;
   if (source->back_end != surface->back_end || surface->host_made) return false;
+  const bool was_current = surface->back_end->current_context() == context_of(b);
   void* shared = detail::recreate_shared(*surface, context_of(b), context_of(a));
   if (!shared) return false;
   record_of(b)->context = shared;
   note_context_destroyed(b);
   note_context_created(b);
+  if (!was_current) return true;
   if (!bind(surface, shared)) return false;
   note_context_bound(b);
   return true;

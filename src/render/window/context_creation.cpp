@@ -101,6 +101,25 @@ CreatedContext create_context(WindowSurface& surface, RenderWindowData* data,
 
 namespace {
 
+/// What is current on this thread, to be bound again.
+class CurrentBinding {
+ public:
+  explicit CurrentBinding(ContextBackEnd* asked_first)
+      : back_end_(asked_first->current_context() ? asked_first : current_back_end()) {
+    if (!back_end_) return;
+    context_ = back_end_->current_context();
+    surface_ = back_end_->open_current();
+  }
+  void restore() {
+    if (surface_) bind_context(*surface_, context_);
+  }
+
+ private:
+  ContextBackEnd* back_end_;
+  void* context_ = nullptr;
+  std::unique_ptr<WindowSurface> surface_;
+};
+
 // Whether the current context gives the first names to new objects: then there are no others.
 bool is_current_context_empty(ContextBackEnd* back_end) {
   using Gen = void (*)(int, unsigned int*);
@@ -134,19 +153,17 @@ bool is_current_context_empty(ContextBackEnd* back_end) {
 void* recreate_shared(WindowSurface& surface, void* context, void* source) {
   ContextBackEnd* back_end = surface.back_end;
   const std::thread::id nowhere;
-  const bool was_current = back_end->current_context() == context;
   if (surface.current_on != nowhere && surface.current_on != std::this_thread::get_id()) {
     return nullptr;
   }
+  const bool was_current = back_end->current_context() == context;
+  CurrentBinding before(back_end);
   if (!was_current && !bind_context(surface, context)) return nullptr;
   const bool empty = is_current_context_empty(back_end);
   back_end->make_current(surface, nullptr);
   void* shared = empty ? back_end->create_context(surface, surface.made, source) : nullptr;
-  if (shared) {
-    back_end->destroy_context(surface, context);
-  } else if (was_current) {
-    back_end->make_current(surface, context);
-  }
+  if (shared) back_end->destroy_context(surface, context);
+  if (!shared || !was_current) before.restore();
   return shared;
 }
 

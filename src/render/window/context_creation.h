@@ -19,7 +19,7 @@ CreatedContext create_context(WindowSurface& surface, RenderWindowData* data,
 
 /// Replaces a context without objects, current on this thread or nowhere, by a like one that shares
 /// the objects of source. Null when it cannot be replaced; it is then left as it was. The new
-/// context is not bound.
+/// context is not bound, and what else was current on this thread still is.
 void* recreate_shared(WindowSurface& surface, void* context, void* source);
 
 }  // namespace orv::detail

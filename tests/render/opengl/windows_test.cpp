@@ -426,6 +426,22 @@ TEST_F(Windows, ShareListsKeepsTheContextWhenTheDriverRefuses) {
   EXPECT_EQ(back_end_.current, context);
 }
 
+TEST_F(Windows, ShareListsLeavesWhatElseIsCurrent) {
+  number_textures_alone();
+  RenderWindow* a = make_window();
+  RenderWindow* b = make_window();
+  ASSERT_TRUE(renderer_.render_window_make_current(a, true));
+  EXPECT_TRUE(renderer_.render_window_share_lists(a, b));
+  EXPECT_EQ(back_end_.last_shared, record_of(a)->context);
+  EXPECT_EQ(back_end_.current, record_of(a)->context);
+  EXPECT_TRUE(renderer_.render_window_make_current(b, true));
+  EXPECT_EQ(back_end_.current, record_of(b)->context);
+  ASSERT_TRUE(renderer_.render_window_make_current(a, true));
+  back_end_.refuses_legacy = true;
+  EXPECT_FALSE(renderer_.render_window_share_lists(a, b));
+  EXPECT_EQ(back_end_.current, record_of(a)->context) << "when the driver refuses, too";
+}
+
 TEST_F(Windows, ShareListsNeedsBothContexts) {
   RenderWindow* a = make_window();
   RenderWindow* b = renderer_.render_window_alloc();
