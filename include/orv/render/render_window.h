@@ -9,8 +9,8 @@ namespace orv {
 
 /// What a window remembers of contexts; owned by the window.
 struct RenderWindowContextRecord {
-  void* context = nullptr;  ///< the window's own context
-  void* spare = nullptr;
+  void* context = nullptr;        ///< the window's own context
+  void* spare = nullptr;          ///< not used
   void* saved_context = nullptr;  ///< see Renderer::render_window_save_current_context
 };
 
@@ -21,6 +21,7 @@ struct RenderWindowContextRecord {
 /// A context belongs to the thread that made it current.
 class ORV_API RenderWindow {
  public:
+  /// Without a context; hosts call Renderer::render_window_alloc.
   RenderWindow();
   virtual ~RenderWindow();
   RenderWindow(const RenderWindow&) = delete;
@@ -28,10 +29,14 @@ class ORV_API RenderWindow {
 
   /// Process-wide number.
   int getid() const { return id; }
+
+  /// @{
   /// Size in pixels as last told by the host, or as the surface has it where the renderer follows
   /// it: off screen, and where it had to put a window of its own into the host's.
   int get_width() const { return data.width; }
   int get_height() const { return data.height; }
+  /// @}
+
   /// Tells the window its new size after the native window changed. Negative values count as 0.
   void update_size(int width, int height);
   /// The context record, a RenderWindowContextRecord with windows made by a renderer.
@@ -46,16 +51,16 @@ class ORV_API RenderWindow {
   /// when there is none.
   static unsigned long find_x11_visual_id(const RenderWindowData& data);
 
-  RenderWindowData data;
-  char name[128] = {};
-  void* rdata = nullptr;
+  RenderWindowData data;              ///< as asked for; the major version is the driver's
+  char name[128] = {};                ///< for the host's own use
+  void* rdata = nullptr;              ///< see getrdata
   bool core_profile_granted = false;  ///< a core profile was asked for, and the driver gave it
-  bool ati_meminfo = false;
-  bool context_created = false;
-  void* device = nullptr;         ///< the window system's side of the window
-  void* native_handle = nullptr;  ///< as handed in
-  void* saved_device = nullptr;   ///< belongs to saved_context
-  int id;
+  bool ati_meminfo = false;           ///< see check_GL_ATI_meminfo
+  bool context_created = false;       ///< there is a context, of the renderer or of the host
+  void* device = nullptr;             ///< the window system's side of the window
+  void* native_handle = nullptr;      ///< as handed in
+  void* saved_device = nullptr;       ///< belongs to saved_context
+  int id;                             ///< see getid
 };
 
 }  // namespace orv
