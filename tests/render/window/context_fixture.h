@@ -24,6 +24,11 @@ inline bool is_fixed_pipeline_forced() {
 template <class Host>
 class ContextTest : public testing::Test {
  protected:
+  // Contexts go before the windows of the host, which the test classes hold.
+  void TearDown() override {
+    renderer_.stop();
+    renderer_.render_window_free_all();
+  }
   virtual RenderWindowData host_data(Host& host) = 0;
 
   RenderWindowData make_data(Host& host, int gl_major = 2, const char* msaa = "Off") {
