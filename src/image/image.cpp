@@ -81,40 +81,46 @@ StoreKind pixel_store(const Image& image, const FormatInfo& info) {
   return StoreKind::NONE;
 }
 
-bool read_pixel(const Image& image, std::uint64_t index, float* out4) {
-  if (!out4) return false;
+/// A pixel in its store: where it starts, counted in channels.
+struct PixelPlace {
+  StoreKind store = StoreKind::NONE;
+  std::size_t first = 0;
+  unsigned int channels = 0;
+};
+
+bool find_pixel(const Image& image, std::uint64_t index, PixelPlace* place) {
   const FormatInfo info = detail::format_info(image.pixel_format);
-  const StoreKind store = pixel_store(image, info);
-  if (store == StoreKind::NONE) return false;
-  const bool is_there = store == StoreKind::BYTES
+  place->store = pixel_store(image, info);
+  if (place->store == StoreKind::NONE) return false;
+  const bool is_there = place->store == StoreKind::BYTES
                             ? is_pixel_there<unsigned char>(image, index, info.size)
                             : is_pixel_there<float>(image, index, info.size);
   if (!is_there) return false;
+  place->first = static_cast<std::size_t>(index) * info.channels;
+  place->channels = info.channels;
+  return true;
+}
+
+bool read_pixel(const Image& image, std::uint64_t index, float* out4) {
+  PixelPlace place;
+  if (!out4 || !find_pixel(image, index, &place)) return false;
   const float missing[4] = {0.0f, 0.0f, 0.0f, 1.0f};
   std::memcpy(out4, missing, sizeof(missing));
-  const std::size_t first = static_cast<std::size_t>(index) * info.channels;
-  for (unsigned int c = 0; c < info.channels; ++c) {
-    out4[c] = store == StoreKind::BYTES ? detail::byte_to_unit(image.u8_ptr[first + c])
-                                        : image.f32_ptr[first + c];
+  for (unsigned int c = 0; c < place.channels; ++c) {
+    out4[c] = place.store == StoreKind::BYTES ? detail::byte_to_unit(image.u8_ptr[place.first + c])
+                                              : image.f32_ptr[place.first + c];
   }
   return true;
 }
 
 bool write_pixel(Image& image, std::uint64_t index, const float* color) {
-  if (!color) return false;
-  const FormatInfo info = detail::format_info(image.pixel_format);
-  const StoreKind store = pixel_store(image, info);
-  if (store == StoreKind::NONE) return false;
-  const bool is_there = store == StoreKind::BYTES
-                            ? is_pixel_there<unsigned char>(image, index, info.size)
-                            : is_pixel_there<float>(image, index, info.size);
-  if (!is_there) return false;
-  const std::size_t first = static_cast<std::size_t>(index) * info.channels;
-  for (unsigned int c = 0; c < info.channels; ++c) {
-    if (store == StoreKind::BYTES) {
-      image.u8_ptr[first + c] = detail::wrap_to_byte(color[c]);
+  PixelPlace place;
+  if (!color || !find_pixel(image, index, &place)) return false;
+  for (unsigned int c = 0; c < place.channels; ++c) {
+    if (place.store == StoreKind::BYTES) {
+      image.u8_ptr[place.first + c] = detail::wrap_to_byte(color[c]);
     } else {
-      image.f32_ptr[first + c] = color[c];
+      image.f32_ptr[place.first + c] = color[c];
     }
   }
   return true;
