@@ -1,6 +1,7 @@
 #include <orv/core/aux_functions.h>
 
 #include <orv/core/kernel.h>
+#include <orv/core/log_mgr.h>
 #include <orv/core/plugin.h>
 #include <orv/gpu/gpu_program_data.h>
 #include <orv/math/mat4.h>
@@ -68,10 +69,17 @@ bool vk_init() {
   if (vk_renderer) return true;
   const std::string filename = std::string("plugin_orv_vulkan") + platform::kModuleSuffix;
   Plugin* plugin = Kernel::get()->load_plugin(filename.c_str(), true, true);
-  if (!plugin || plugin->get_type() != PLUGIN_TYPE_RENDERER) return false;
+  if (!plugin || plugin->get_type() != PLUGIN_TYPE_RENDERER) {
+    LogMgr::get().tracef_debug(
+        "Vulkan renderer %s: %s", filename.c_str(),
+        plugin ? "not a renderer plugin" : "no directory of the plugin search path gave it");
+    return false;
+  }
   add_plugin_destroyed_hook(&forget_vk_renderer);
   vk_renderer = static_cast<Renderer*>(plugin);
   if (vk_renderer->get_api_type() == ORV_API3D_VULKAN) return vk_renderer->initialize();
+  LogMgr::get().tracef_debug("Vulkan renderer %s: its renderer is of another API",
+                             filename.c_str());
   vk_cleanup();
   return false;
 }

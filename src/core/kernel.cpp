@@ -111,7 +111,10 @@ int Kernel::get_platform_bitness() const { return utils::get_platform_bitness();
 bool Kernel::app_directory_init() {
   if (!data_->app_directory.empty()) return true;
   const char* directory = utils::get_app_directory();
-  if (!directory || !*directory) return false;
+  if (!directory || !*directory) {
+    LogMgr::get().trace_debug("application directory: the path of the program is unknown");
+    return false;
+  }
   data_->app_directory = directory;
   return true;
 }

@@ -1,4 +1,5 @@
 #include <orv/core/kernel.h>
+#include <orv/core/log_mgr.h>
 #include <orv/core/plugin_mgr.h>
 #include <orv/gpu/material_mgr.h>
 #include <orv/gpu/resource.h>
@@ -30,6 +31,11 @@ Loader3D* find_fbx_loader() {
 void set_directories(Loader3D& loader, const char* model_dir, const char* resource_dir) {
   loader.set_model_dir(model_dir);
   loader.set_resource_dir(resource_dir);
+}
+
+void report_missing_loader(const char* filename, const char* loader_name) {
+  if (!filename) return;
+  LogMgr::get().tracef_debug("model %s: no loader plugin %s", filename, loader_name);
 }
 
 /// Drops what a failed loader left, so that the next one does not find its materials by name.
@@ -64,6 +70,7 @@ Model* Kernel::load_model_from_file(const MeshDataVertexAttribsAllocParams& para
     Model* model = load_model_with(params, loader, filename, model_dir, resource_dir);
     if (model) return model;
   }
+  LogMgr::get().tracef_debug("model %s: no loader took it", filename);
   return nullptr;
 }
 
@@ -75,30 +82,39 @@ Model* Kernel::load_model_from_file_obj(const MeshDataVertexAttribsAllocParams& 
       return load_model_with(params, loader, filename, model_dir, resource_dir);
     }
   }
+  report_missing_loader(filename, data_->current_3d_obj_loader_name.c_str());
   return nullptr;
 }
 
 Model* Kernel::load_model_from_file_lib3ds(const MeshDataVertexAttribsAllocParams& params,
                                            const char* filename, const char* model_dir,
                                            const char* resource_dir) {
+  if (!data_->loader_lib3ds) report_missing_loader(filename, "3DS");
   return load_model_with(params, data_->loader_lib3ds, filename, model_dir, resource_dir);
 }
 
 Model* Kernel::load_model_from_file_stl(const MeshDataVertexAttribsAllocParams& params,
                                         const char* filename, const char* model_dir,
                                         const char* resource_dir) {
+  if (!data_->loader_stl) report_missing_loader(filename, "STL");
   return load_model_with(params, data_->loader_stl, filename, model_dir, resource_dir);
 }
 
 Model* Kernel::load_model_from_file_fbx(const MeshDataVertexAttribsAllocParams& params,
                                         const char* filename, const char* model_dir,
                                         const char* resource_dir) {
-  return load_model_with(params, find_fbx_loader(), filename, model_dir, resource_dir);
+  Loader3D* loader = find_fbx_loader();
+  if (!loader) report_missing_loader(filename, "FBX");
+  return load_model_with(params, loader, filename, model_dir, resource_dir);
 }
 
 bool Kernel::load_scene_from_file_lib3ds_v1(Scene* scene, const char* filename,
                                             const char* model_dir, const char* resource_dir) {
-  if (!scene || !filename || !data_->loader_lib3ds) return false;
+  if (!scene || !filename) return false;
+  if (!data_->loader_lib3ds) {
+    report_missing_loader(filename, "3DS");
+    return false;
+  }
   set_directories(*data_->loader_lib3ds, model_dir, resource_dir);
   return data_->loader_lib3ds->load_scene(scene, filename, kWholeScene);
 }
@@ -107,7 +123,10 @@ bool Kernel::load_scene_from_file_fbx_v1(Scene* scene, const char* filename, con
                                          const char* resource_dir) {
   if (!scene || !filename) return false;
   Loader3D* loader = find_fbx_loader();
-  if (!loader) return false;
+  if (!loader) {
+    report_missing_loader(filename, "FBX");
+    return false;
+  }
   set_directories(*loader, model_dir, resource_dir);
   return loader->load_scene(scene, filename, kWholeScene);
 }

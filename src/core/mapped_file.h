@@ -15,14 +15,19 @@ class MappedFile {
   MappedFile(const MappedFile&) = delete;
   MappedFile& operator=(const MappedFile&) = delete;
 
-  bool is_open() const { return open_; }
+  bool is_open() const { return fault_ == nullptr; }
+  /// Why it is not open, by a text that is never freed; null when it is.
+  const char* fault() const { return fault_; }
   /// All bytes of the file, "" when it is not open.
   std::string_view text() const { return {static_cast<const char*>(bytes_), size_}; }
 
  private:
+  /// Takes the contents of an open file in; null or the fault.
+  const char* map(int file);
+
   void* bytes_ = nullptr;
   std::size_t size_ = 0;
-  bool open_ = false;
+  const char* fault_ = nullptr;
 };
 
 }  // namespace orv::detail

@@ -185,18 +185,41 @@ bool Plugin::check_thread() const { return data_->thread == Thread(); }
 
 // ---- further objects ---------------------------------------------------------------------------
 
+namespace {
+
+/// An optional export of the plugin's module. Its lack is said in the log.
+void* find_export(const PluginData& data, const char* name) {
+  void* symbol = platform::find_symbol(data.dynlib_handle, name);
+  if (!symbol) {
+    LogMgr::get().tracef_debug("plugin %s (id=%d): %s %s", data.name, data.id,
+                               data.dynlib_handle ? "missing export" : "not from a module, so no",
+                               name);
+  }
+  return symbol;
+}
+
+void report_refusal(const PluginData& data, const char* name) {
+  LogMgr::get().tracef_debug("plugin %s (id=%d): %s failed", data.name, data.id, name);
+}
+
+}  // namespace
+
 void* Plugin::create_instance() {
   using Create = void* (*)(int);
-  const auto create =
-      reinterpret_cast<Create>(platform::find_symbol(data_->dynlib_handle, "ORV_create_plugin"));
-  return create ? create(0) : nullptr;
+  const auto create = reinterpret_cast<Create>(find_export(*data_, "ORV_create_plugin"));
+  if (!create) return nullptr;
+  void* instance = create(0);
+  if (!instance) report_refusal(*data_, "ORV_create_plugin");
+  return instance;
 }
 
 bool Plugin::kill_instance(void* instance) {
   using Destroy = int (*)(void*);
-  const auto destroy =
-      reinterpret_cast<Destroy>(platform::find_symbol(data_->dynlib_handle, "ORV_destroy_plugin"));
-  return destroy && destroy(instance) != 0;
+  const auto destroy = reinterpret_cast<Destroy>(find_export(*data_, "ORV_destroy_plugin"));
+  if (!destroy) return false;
+  if (destroy(instance) != 0) return true;
+  report_refusal(*data_, "ORV_destroy_plugin");
+  return false;
 }
 
 }  // namespace orv

@@ -143,6 +143,9 @@ int PluginMgr::load_plugin(const char* filename, bool force_reload) {
         create ? "[Plugin manager] plugin creation failed for plugin: %s"
                : "[Plugin manager] unable to call the creation function of plugin: %s",
         filename);
+    if (!create) {
+      LogMgr::get().tracef_debug("[Plugin manager] %s: missing export orv_plugin_create", filename);
+    }
     platform::close_library(library);
     return -1;
   }

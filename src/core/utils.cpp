@@ -1,5 +1,6 @@
 #include <orv/core/utils.h>
 
+#include <orv/core/log_mgr.h>
 #include <orv/gpu/gpu_enums.h>
 #include <orv/image/pixel_format.h>
 
@@ -115,12 +116,14 @@ const char* get_app_directory() {
 }
 
 bool check_opencl_dylib() {
+  std::string cause;
   for (const char* name : {"libOpenCL.so.1", "libOpenCL.so"}) {
-    if (void* library = platform::open_library(name)) {
+    if (void* library = platform::open_library(name, &cause)) {
       platform::close_library(library);
       return true;
     }
   }
+  LogMgr::get().tracef_debug("OpenCL: %s", cause.c_str());
   return false;
 }
 

@@ -1,4 +1,5 @@
 #include <orv/core/kernel.h>
+#include <orv/core/log_mgr.h>
 #include <orv/core/plugin.h>
 #include <orv/core/utils.h>
 
@@ -26,7 +27,12 @@ bool check_d3d12_support() { return can_load("plugin_orv_d3d12"); }
 void* load_plugin(const char* name) {
   if (!name) return nullptr;
   const std::string filename = std::string(name) + platform::kModuleSuffix;
-  return Kernel::get()->load_plugin(filename.c_str(), true, true);
+  Plugin* const plugin = Kernel::get()->load_plugin(filename.c_str(), true, true);
+  if (!plugin) {
+    LogMgr::get().tracef_debug("plugin %s: no directory of the plugin search path gave it",
+                               filename.c_str());
+  }
+  return plugin;
 }
 
 int unload_plugin(void* plugin) {

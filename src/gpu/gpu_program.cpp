@@ -6,7 +6,6 @@
 #include <orv/math/vec4.h>
 #include <orv/render/renderer.h>
 
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -27,14 +26,37 @@ const char* stage_label(GPU_SHADER_TYPE type) {
   return type >= 0 && type < static_cast<int>(std::size(LABELS)) ? LABELS[type] : "";
 }
 
-// The whole file with a terminating zero; false when it cannot be read or is too large to have its
-// size told in an unsigned int.
+// The whole file with a terminating zero.
 bool read_text_file(const char* path, std::vector<unsigned char>& text) {
-  if (!path || !detail::read_whole_file(path, text) || text.size() >= UINT_MAX) {
-    LogMgr::get().tracef_debug("GPU program file %s cannot be read", path ? path : "(null)");
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(path, text, &fault)) {
+    LogMgr::get().tracef_debug("GPU program file %s cannot be read: %s", path ? path : "(null)",
+                               fault);
     return false;
   }
   text.push_back(0);
+  return true;
+}
+
+// Loads the sections of a text. `kind` and `name` tell in the log what it is.
+bool load_sections(GpuProgram& program, Renderer* renderer, std::string& text, const char* kind,
+                   const char* name) {
+  const detail::ShaderSections sections = detail::split_shader_sections(text);
+  if (const char* missing = sections.find_missing()) {
+    LogMgr::get().tracef_debug("%s %s: no section \"%s\"", kind, name, missing);
+    return false;
+  }
+  for (const detail::ShaderSection& section : sections.sections) {
+    if (!section.text) continue;
+    const auto length = static_cast<unsigned int>(std::strlen(section.text));
+    if (length == 0) {
+      LogMgr::get().tracef_debug("%s %s: section of the %s stage is empty", kind, name,
+                                 stage_label(section.type));
+    }
+    if (!program.shader_load_from_memory(renderer, section.type, section.text, length)) {
+      return false;
+    }
+  }
   return true;
 }
 
@@ -73,28 +95,16 @@ int GpuProgram::get_renderer_id() { return data_->renderer_gpu_id; }
 // ---- loading ---------------------------------------------------------------------------------
 
 bool GpuProgram::load_from_file(Renderer* renderer, const char* path) {
-  std::vector<unsigned char> text;
-  return read_text_file(path, text) &&
-         load_from_memory(renderer, reinterpret_cast<const char*>(text.data()),
-                          static_cast<unsigned int>(text.size()));
+  std::vector<unsigned char> bytes;
+  if (!read_text_file(path, bytes)) return false;
+  std::string text(reinterpret_cast<const char*>(bytes.data()));
+  return load_sections(*this, renderer, text, "shader file", path);
 }
 
 bool GpuProgram::load_from_memory(Renderer* renderer, const char* text, unsigned int size) {
   if (!text || size == 0) return false;
   std::string buffer(text, strnlen(text, size));
-  const detail::ShaderSections sections = detail::split_shader_sections(buffer);
-  if (!sections.is_complete()) {
-    LogMgr::get().tracef_debug(
-        "GPU program %s - neither a compute section nor a vertex and a pixel section",
-        data_->get_gpu_program_name());
-    return false;
-  }
-  for (const detail::ShaderSection& section : sections.sections) {
-    if (!section.text) continue;
-    const auto length = static_cast<unsigned int>(std::strlen(section.text));
-    if (!shader_load_from_memory(renderer, section.type, section.text, length)) return false;
-  }
-  return true;
+  return load_sections(*this, renderer, buffer, "GPU program", data_->get_gpu_program_name());
 }
 
 bool GpuProgram::shader_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type, const char* path) {
@@ -124,7 +134,11 @@ bool GpuProgram::shader_load_from_memory(Renderer* renderer, GPU_SHADER_TYPE typ
 bool GpuProgram::spirv_shader_module_load_from_file(Renderer* renderer, GPU_SHADER_TYPE type,
                                                     const char* path) {
   std::vector<unsigned char> module;
-  if (!path || !detail::read_whole_file(path, module) || module.size() > UINT_MAX) return false;
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(path, module, &fault)) {
+    LogMgr::get().tracef_debug("SPIR-V file %s cannot be read: %s", path ? path : "(null)", fault);
+    return false;
+  }
   return spirv_shader_module_load_from_memory(renderer, type, module.data(),
                                               static_cast<unsigned int>(module.size()));
 }

@@ -20,9 +20,12 @@ constexpr Marker MARKERS[] = {
 
 }  // namespace
 
-bool ShaderSections::is_complete() const {
-  const auto has = [this](GPU_SHADER_TYPE type) { return sections[type].text != nullptr; };
-  return has(GPU_SHADER_COMPUTE) || (has(GPU_SHADER_VERTEX) && has(GPU_SHADER_PIXEL));
+const char* ShaderSections::find_missing() const {
+  if (sections[GPU_SHADER_COMPUTE].text) return nullptr;
+  for (const GPU_SHADER_TYPE type : {GPU_SHADER_VERTEX, GPU_SHADER_PIXEL}) {
+    if (!sections[type].text) return MARKERS[type].text.data();
+  }
+  return nullptr;
 }
 
 ShaderSections split_shader_sections(std::string& text) {

@@ -15,8 +15,9 @@ struct ShaderSection {
 struct ShaderSections {
   ShaderSection sections[6];
 
-  /// A program needs a compute stage, or both a vertex and a pixel stage.
-  bool is_complete() const;
+  /// A program needs a compute stage, or both a vertex and a pixel stage. The marker of the first
+  /// that is missing; null when there are enough.
+  const char* find_missing() const;
 };
 
 /// Finds the sections of a shader text and terminates each with a zero, written over the marker of

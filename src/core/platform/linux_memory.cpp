@@ -3,11 +3,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdint>
 
 #include "core/large_array.h"
 #include "core/mapped_file.h"
+#include "core/read_file.h"
 
 namespace orv::detail {
 
@@ -21,26 +23,33 @@ void advise_large_pages(void* begin, std::size_t bytes) {
 }
 
 MappedFile::MappedFile(const char* path) {
-  if (!path) return;
+  if (!path) {
+    fault_ = "no name";
+    return;
+  }
   // Without O_NONBLOCK, opening a pipe that nobody writes to would wait for ever.
   const int file = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) return;
-  struct stat status {};
-  if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size >= 0 &&
-      status.st_size < INT_MAX) {
-    size_ = static_cast<std::size_t>(status.st_size);
-    if (size_ > 0) {
-      void* bytes = mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file, 0);
-      if (bytes == MAP_FAILED) {
-        size_ = 0;
-      } else {
-        bytes_ = bytes;
-        madvise(bytes_, size_, MADV_SEQUENTIAL);
-      }
-    }
-    open_ = bytes_ || status.st_size == 0;
+  if (file < 0) {
+    fault_ = system_fault(errno);
+    return;
   }
+  fault_ = map(file);
   close(file);
+}
+
+const char* MappedFile::map(int file) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) return system_fault(errno);
+  if (!S_ISREG(status.st_mode)) return NOT_PLAIN_FILE;
+  if (status.st_size < 0 || status.st_size >= INT_MAX) return FILE_TOO_LARGE;
+  if (status.st_size == 0) return nullptr;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  void* bytes = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
+  if (bytes == MAP_FAILED) return system_fault(errno);
+  bytes_ = bytes;
+  size_ = size;
+  madvise(bytes_, size_, MADV_SEQUENTIAL);
+  return nullptr;
 }
 
 MappedFile::~MappedFile() {

@@ -1,5 +1,6 @@
 #include "core/platform/module_check.h"
 #include "core/platform/platform.h"
+#include "core/read_file.h"
 
 #include <dlfcn.h>
 #include <elf.h>
@@ -7,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstring>
 #include <vector>
@@ -33,12 +35,12 @@ bool fits(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
 }
 
 const char* fault_of_header(const Elf64_Ehdr& header) {
-  if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) return "no ELF file";
+  if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) return "not an ELF file";
   if (header.e_ident[EI_CLASS] != ELFCLASS64 || header.e_ident[EI_DATA] != ELFDATA2LSB) {
     return "not 64 bit, little endian";
   }
   if (header.e_machine != kMachine) return "built for another machine";
-  if (header.e_type != ET_DYN) return "no shared library";
+  if (header.e_type != ET_DYN) return "not a shared library";
   if (header.e_phentsize != sizeof(Elf64_Phdr) || header.e_phnum == 0) return "no program headers";
   return nullptr;
 }
@@ -84,7 +86,7 @@ bool check_module_head(const unsigned char* head, size_t size, std::uint64_t fil
 bool check_module_file(const char* path, std::string& error) {
   const int fd = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
-    error = "cannot be opened";
+    error = detail::system_fault(errno);
     return false;
   }
   struct stat status {};
@@ -95,7 +97,7 @@ bool check_module_file(const char* path, std::string& error) {
     good = check_module_head(head.data(), got > 0 ? static_cast<size_t>(got) : 0,
                              static_cast<std::uint64_t>(status.st_size), error);
   } else {
-    error = "no plain file";
+    error = detail::NOT_PLAIN_FILE;
   }
   close(fd);
   return good;
@@ -178,7 +180,7 @@ void* open_module(const char* filename, const char* directory, std::string* erro
   const std::string beside = std::string("./") + filename;
   if (is_plain_file(beside)) return open_checked(beside, error);
   if (!std::strchr(filename, '/')) return open_library(filename, error);
-  if (error) *error = std::string(filename) + ": no such file";
+  if (error) *error = std::string(filename) + ": " + detail::system_fault(ENOENT);
   return nullptr;
 }
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstddef>
+#include <cstring>
 
 namespace orv::detail {
 
@@ -38,25 +39,49 @@ bool read_all(int fd, std::vector<unsigned char>& out) {
 
 }  // namespace
 
-bool read_whole_file(const char* path, std::vector<unsigned char>& out) {
-  out.clear();
-  if (!path) return false;
-  // Without O_NONBLOCK, opening a pipe that nobody writes to would wait for ever.
-  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (file.fd < 0) return false;
-  struct stat status {};
-  if (fstat(file.fd, &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  if (status.st_size < 0 || status.st_size >= INT_MAX) return false;
-  out.reserve(static_cast<size_t>(status.st_size) + 1);
-  out.resize(static_cast<size_t>(status.st_size));
-  if (read_all(file.fd, out)) return true;
-  out.clear();
-  return false;
+const char* system_fault(int error) {
+  const char* text = strerrordesc_np(error);
+  return text ? text : "unknown error";
 }
 
-bool is_plain_file(const char* path) {
+namespace {
+
+/// Null when all of the file is in `out`.
+const char* read_or_tell(const char* path, std::vector<unsigned char>& out) {
+  if (!path) return "no name";
+  // Without O_NONBLOCK, opening a pipe that nobody writes to would wait for ever.
+  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (file.fd < 0) return system_fault(errno);
   struct stat status {};
-  return path && stat(path, &status) == 0 && S_ISREG(status.st_mode);
+  if (fstat(file.fd, &status) != 0) return system_fault(errno);
+  if (!S_ISREG(status.st_mode)) return NOT_PLAIN_FILE;
+  if (status.st_size < 0 || status.st_size >= INT_MAX) return FILE_TOO_LARGE;
+  out.reserve(static_cast<size_t>(status.st_size) + 1);
+  out.resize(static_cast<size_t>(status.st_size));
+  return read_all(file.fd, out) ? nullptr : system_fault(errno);
+}
+
+const char* stat_or_tell(const char* path) {
+  if (!path) return "no name";
+  struct stat status {};
+  if (stat(path, &status) != 0) return system_fault(errno);
+  return S_ISREG(status.st_mode) ? nullptr : NOT_PLAIN_FILE;
+}
+
+}  // namespace
+
+bool read_whole_file(const char* path, std::vector<unsigned char>& out, const char** fault) {
+  out.clear();
+  const char* cause = read_or_tell(path, out);
+  if (cause) out.clear();
+  if (fault) *fault = cause;
+  return cause == nullptr;
+}
+
+bool is_plain_file(const char* path, const char** fault) {
+  const char* cause = stat_or_tell(path);
+  if (fault) *fault = cause;
+  return cause == nullptr;
 }
 
 }  // namespace orv::detail

@@ -59,10 +59,10 @@ TEST(ModuleCheck, RefusesProgramsAndOtherMachines) {
     size_t offset;
     char value;
     const char* error;
-  } const cases[] = {{0, 'X', "no ELF file"},
+  } const cases[] = {{0, 'X', "not an ELF file"},
                      {4, 1, "not 64 bit, little endian"},
                      {5, 2, "not 64 bit, little endian"},
-                     {16, 2, "no shared library"},
+                     {16, 2, "not a shared library"},
                      {18, 3, "built for another machine"},
                      {54, 1, "no program headers"},
                      {39, 0x7f, "program headers out of reach"},
@@ -90,9 +90,9 @@ TEST(ModuleCheck, FileMustBeAPlainOne) {
   TempFolder folder;
   std::string error;
   EXPECT_FALSE(check_module_file(folder.path().c_str(), error));
-  EXPECT_EQ(error, "no plain file");
+  EXPECT_EQ(error, "not a plain file");
   EXPECT_FALSE(check_module_file(folder.file("missing").c_str(), error));
-  EXPECT_EQ(error, "cannot be opened");
+  EXPECT_EQ(error, "No such file or directory");
   error.clear();
   EXPECT_TRUE(check_module_file(folder.write("lib.so", library_bytes()).c_str(), error)) << error;
 }
