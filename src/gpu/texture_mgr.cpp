@@ -1,5 +1,6 @@
 #include <orv/gpu/texture_mgr.h>
 
+#include <orv/core/log_mgr.h>
 #include <orv/core/plugin_mgr.h>
 #include <orv/gpu/texture.h>
 #include <orv/gpu/texture_data.h>
@@ -48,6 +49,11 @@ ImageCodec* TextureMgrData::find_codec(int plugin_id) const {
     if (codec->get_id() == plugin_id) return codec;
   }
   return nullptr;
+}
+
+void TextureMgrData::report_no_codec(const char* subject) const {
+  LogMgr::get().tracef_debug("image %s: no codec named \"%s\" or \"%s\" is registered", subject,
+                             current_image_codec_name.c_str(), fallback_image_codec_name.c_str());
 }
 
 void TextureMgrData::free_lent_pixels(Image* image) const {

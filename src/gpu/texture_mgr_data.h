@@ -5,6 +5,8 @@
 #include <orv/fwd.h>
 #include <orv/image/image.h>
 
+#include "core/repeated_attempt.h"
+
 #include <string>
 #include <vector>
 
@@ -22,16 +24,22 @@ struct TextureMgrData {
   ImageCodec* find_codec(int plugin_id) const;
 
   /// Runs an action with the current codec and, when that gives false, with the fallback. The two
-  /// may be one: it is asked twice then.
+  /// may be one: it is asked twice then. `subject` tells in the log what there was no codec for.
   template <typename Action>
-  bool try_codecs(Action action) {
+  bool try_codecs(const char* subject, Action action) {
+    const ImageCodec* last = nullptr;
     for (const std::string* name : {&current_image_codec_name, &fallback_image_codec_name}) {
       // The names are copied: a codec may change them.
       ImageCodec* codec = find_codec(std::string(*name).c_str());
-      if (codec && action(*codec)) return true;
+      if (!codec) continue;
+      const detail::RepeatedAttempt attempt(codec == last);
+      if (action(*codec)) return true;
+      last = codec;
     }
+    if (!last) report_no_codec(subject);
     return false;
   }
+  void report_no_codec(const char* subject) const;
 
   /// Asks the codec that made an image to free the pixels that it lent to it.
   void free_lent_pixels(Image* image) const;

@@ -1,4 +1,5 @@
 // TextureMgr: what goes through the image codecs, raw pixels and fonts.
+#include <orv/core/log_mgr.h>
 #include <orv/gpu/texture.h>
 #include <orv/gpu/texture_data.h>
 #include <orv/gpu/texture_mgr.h>
@@ -20,6 +21,8 @@
 namespace orv {
 namespace {
 
+/// Name in the log of an image that is no file.
+constexpr const char* IN_MEMORY = "in memory";
 constexpr int NUM_FACES = 6;
 constexpr int FIRST_CHARACTER = 0;
 constexpr int NUM_CHARACTERS = 255;
@@ -136,7 +139,7 @@ bool copy_into_store(Image& image, const void* pixels, std::size_t bytes) {
 bool TextureMgr::load_image_from_file(Texture* texture, const char* filename, bool flip,
                                       PIXEL_FORMAT format) {
   if (!texture || !filename) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(filename, [&](ImageCodec& codec) {
     return load_image_with(*this, *data_, codec, texture, format, [&](ImageCodec& c, Image& i) {
       return c.load_image_from_file(&i, filename, flip, format);
     });
@@ -154,7 +157,7 @@ bool TextureMgr::load_texture_2d_from_memory(Texture* texture, unsigned char* da
                                              unsigned int size, bool flip, PIXEL_FORMAT format) {
   if (!texture || !texture->get_data_ptr() || !data || size == 0) return false;
   texture->get_data_ptr()->type = TEXTURE_2D;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(IN_MEMORY, [&](ImageCodec& codec) {
     return load_image_with(*this, *data_, codec, texture, format, [&](ImageCodec& c, Image& i) {
       return c.load_image_from_memory(&i, data, size, flip, format);
     });
@@ -180,7 +183,7 @@ bool TextureMgr::load_texture_2d_from_raw_memory(Texture* texture, const void* p
 bool TextureMgr::load_cubemap_face_from_file(Texture* texture, CUBEMAP_FACE face,
                                              const char* filename, bool flip) {
   if (!texture || !filename) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(filename, [&](ImageCodec& codec) {
     return load_face_with(*data_, codec, texture, face, [&](ImageCodec& c, Image& i) {
       return c.load_image_from_file(&i, filename, flip, PF_RGB_U8);
     });
@@ -190,7 +193,7 @@ bool TextureMgr::load_cubemap_face_from_file(Texture* texture, CUBEMAP_FACE face
 bool TextureMgr::load_cubemap_face_from_memory(Texture* texture, CUBEMAP_FACE face,
                                                unsigned char* data, unsigned int size, bool flip) {
   if (!texture || !data || size == 0) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(IN_MEMORY, [&](ImageCodec& codec) {
     return load_face_with(*data_, codec, texture, face, [&](ImageCodec& c, Image& i) {
       return c.load_image_from_memory(&i, data, size, flip, PF_RGB_U8);
     });
@@ -234,7 +237,7 @@ bool TextureMgr::load_texture_cube_from_memory(Texture* texture, unsigned char**
 bool TextureMgr::load_texture_2d_array_layer_from_file(Texture* texture, unsigned int layer,
                                                        const char* filename, bool flip) {
   if (!texture || !filename) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(filename, [&](ImageCodec& codec) {
     Image* image = texture->get_layer_image_ptr(layer);
     if (!image) return false;
     LentPixels lent(image);
@@ -273,7 +276,9 @@ bool TextureMgr::load_texture_2d_from_truetype_file(Texture* texture, const char
   if (static_cast<std::int64_t>(width) * height > INT_MAX) return false;
   std::vector<unsigned char> file;
   detail::TrueTypeFace face;
-  if (!detail::read_whole_file(filename, file) || !face.load(file.data(), file.size(), 0)) {
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(filename, file, &fault) || !face.load(file.data(), file.size(), 0)) {
+    LogMgr::get().tracef_debug("font %s: %s", filename, fault ? fault : "not a TrueType font");
     return false;
   }
   Image image;
@@ -303,7 +308,11 @@ bool update_gpu_memory_with(TextureMgrData& state, ImageCodec& codec, Renderer* 
   bool is_updated = false;
   // Who holds the pixels frees them; the conversion below leaves them alone.
   ImageCodec* pixel_holder = image.codec_pixels ? &codec : state.last_codec;
-  if (fit_to_texture(data, image)) {
+  if (!fit_to_texture(data, image)) {
+    LogMgr::get().tracef_debug("image %s: %ux%u pixels do not fit texture %s of %ux%u", filename,
+                               image.width, image.height, data.texture_name, data.get_width(),
+                               data.get_height());
+  } else {
     if (const void* pixels = pixels_of(image)) {
       is_updated = renderer->texture_update_2d_v2(&data, 0, 0, static_cast<int>(image.width),
                                                   static_cast<int>(image.height), 1, pixels);
@@ -319,7 +328,7 @@ bool update_gpu_memory_with(TextureMgrData& state, ImageCodec& codec, Renderer* 
 bool TextureMgr::update_gpu_memory_from_file(Renderer* renderer, Texture* texture,
                                              const char* filename, bool flip, PIXEL_FORMAT format) {
   if (!renderer || !texture || !texture->get_data_ptr() || !filename) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(filename, [&](ImageCodec& codec) {
     return update_gpu_memory_with(*data_, codec, renderer, *texture->get_data_ptr(), filename, flip,
                                   format);
   });
@@ -330,7 +339,7 @@ bool TextureMgr::update_gpu_memory_from_file(Renderer* renderer, Texture* textur
 bool TextureMgr::write_texture_2d_to_file(Texture* texture, const char* filename) {
   if (!texture || !texture->get_data_ptr() || !filename) return false;
   if (texture->get_data_ptr()->type != TEXTURE_2D) return false;
-  return data_->try_codecs([&](ImageCodec& codec) {
+  return data_->try_codecs(filename, [&](ImageCodec& codec) {
     return codec.save_image_to_file(texture->get_image_ptr(), filename);
   });
 }
@@ -354,12 +363,25 @@ bool save_screenshot(TextureMgrData& state, const char* filename, bool flip) {
   if (flip) image->flip_vertical();
   // A codec may change both the names and the list.
   const std::string names[] = {state.current_image_codec_name, state.fallback_image_codec_name};
+  bool is_asked = false;
   for (const std::string& name : names) {
     for (std::size_t i = 0; i < state.image_codecs.size(); ++i) {
       ImageCodec* codec = state.image_codecs[i];
-      if (name == codec->get_name() && codec->save_image_to_file(image, filename)) return true;
+      if (name != codec->get_name()) continue;
+      const detail::RepeatedAttempt attempt(is_asked && &name != names && name == names[0]);
+      if (codec->save_image_to_file(image, filename)) return true;
+      is_asked = true;
     }
   }
+  if (!is_asked) state.report_no_codec(filename);
+  return false;
+}
+
+constexpr const char* NO_BACK_BUFFER = "the back buffer cannot be read";
+
+/// Says in the log why there is no picture of the back buffer.
+bool fail_screenshot(const char* filename, const char* fault) {
+  LogMgr::get().tracef_debug("screenshot %s: %s", filename, fault);
   return false;
 }
 
@@ -368,10 +390,15 @@ bool save_screenshot(TextureMgrData& state, const char* filename, bool flip) {
 bool TextureMgr::do_screenshot(Renderer* renderer, const char* filename, bool flip) {
   if (!renderer || !filename) return false;
   unsigned int size = 0, width = 0, height = 0;
-  if (!renderer->get_back_buffer_size(&size, &width, &height)) return false;
+  if (!renderer->get_back_buffer_size(&size, &width, &height) || width == 0 || height == 0) {
+    return fail_screenshot(filename, NO_BACK_BUFFER);
+  }
   Image& image = data_->screenshot_image;
   if (!fit_screenshot(image, width, height)) return false;
-  return renderer->read_back_buffer_rgba(image.u8_ptr) && save_screenshot(*data_, filename, flip);
+  if (!renderer->read_back_buffer_rgba(image.u8_ptr)) {
+    return fail_screenshot(filename, NO_BACK_BUFFER);
+  }
+  return save_screenshot(*data_, filename, flip);
 }
 
 bool TextureMgr::do_screenshot_v2(Renderer* renderer, const char* filename, int x, int y, int width,
@@ -381,8 +408,10 @@ bool TextureMgr::do_screenshot_v2(Renderer* renderer, const char* filename, int 
   if (!fit_screenshot(image, static_cast<unsigned int>(width), static_cast<unsigned int>(height))) {
     return false;
   }
-  return renderer->read_back_buffer_rect_rgba(image.u8_ptr, x, y, width, height) &&
-         save_screenshot(*data_, filename, flip);
+  if (!renderer->read_back_buffer_rect_rgba(image.u8_ptr, x, y, width, height)) {
+    return fail_screenshot(filename, NO_BACK_BUFFER);
+  }
+  return save_screenshot(*data_, filename, flip);
 }
 
 const Image* TextureMgr::get_screenshot_image() const { return &data_->screenshot_image; }

@@ -1,13 +1,15 @@
 #include <orv/image/image_codec_stb.h>
 
+#include <orv/core/log_mgr.h>
+
 #include "core/core_author.h"
 #include "core/read_file.h"
+#include "core/repeated_attempt.h"
 #include "image/image_access.h"
 #include "image/jpeg_writer.h"
 #include "image/pixel_cast.h"
 #include "image/stb_image_decode.h"
 
-#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -35,18 +37,64 @@ PIXEL_FORMAT format_of_channels(int channels) {
   return FORMATS[channels - 1];
 }
 
+/// Name of the file whose contents this thread decodes, for as long as one lives.
+class FileName {
+ public:
+  explicit FileName(const char* name) { name_ = name; }
+  ~FileName() { name_ = nullptr; }
+  FileName(const FileName&) = delete;
+  FileName& operator=(const FileName&) = delete;
+
+  static const char* current() { return name_ ? name_ : "in memory"; }
+
+ private:
+  static inline thread_local const char* name_ = nullptr;
+};
+
+/// Tells in the log why a codec operation failed, unless that was told a moment ago.
+void report(const char* operation, const char* name, const char* fault) {
+  if (detail::RepeatedAttempt::is_active()) return;
+  LogMgr::get().tracef_debug("image %s: %s: %s", name, operation, fault);
+}
+
 /// Writes a float image: red, green and blue scaled to bytes.
-bool save_floats(const Image& image, const char* filename) {
+bool save_floats(const Image& image, const char* filename, const char** fault) {
   const std::size_t channels = image.get_pixel_format_num_channels();
   const std::size_t count = static_cast<std::size_t>(detail::pixel_count(image));
   const std::unique_ptr<unsigned char[]> bytes(detail::new_block<unsigned char>(count * 3));
-  if (!bytes) return false;
+  if (!bytes) {
+    *fault = "memory is exhausted";
+    return false;
+  }
   const float* source = image.get_f32_ptr();
   unsigned char* target = bytes.get();
   for (std::size_t i = 0; i < count; ++i, source += channels, target += 3) {
     for (std::size_t c = 0; c < 3; ++c) target[c] = detail::unit_to_byte(source[c]);
   }
-  return detail::write_jpeg(filename, image.width, image.height, 3, bytes.get());
+  return detail::write_jpeg(filename, image.width, image.height, 3, bytes.get(), fault);
+}
+
+bool save_image(const Image& image, const char* filename, const char** fault) {
+  const auto save_bytes = [&](int components) {
+    return detail::write_jpeg(filename, image.width, image.height, components, image.get_u8_ptr(),
+                              fault);
+  };
+  switch (static_cast<int>(image.pixel_format)) {
+    case PF_RGB_U8:
+    case PF_BGR_U8:
+      return save_bytes(3);
+    case PF_RGBA_U8:
+    case PF_BGRA_U8:
+      return save_bytes(4);
+    case PF_R_U8:
+      return save_bytes(1);
+    case PF_RGB_F32:
+    case PF_RGBA_F32:
+      return save_floats(image, filename, fault);
+    default:
+      *fault = "no JPEG has its pixel format";
+      return false;
+  }
 }
 
 }  // namespace
@@ -70,9 +118,14 @@ bool ImageCodecStb::load_image_from_file(Image* image, const char* filename, boo
                                          PIXEL_FORMAT format) {
   if (!image || !filename) return false;
   std::vector<unsigned char> data;
-  if (!detail::read_whole_file(filename, data) || data.size() >= INT_MAX) return false;
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(filename, data, &fault)) {
+    report("cannot be read", filename, fault);
+    return false;
+  }
   // The zero behind the data belongs to what the decoder sees.
   data.push_back(0);
+  const FileName name(filename);
   return load_image_from_memory(image, data.data(), static_cast<unsigned int>(data.size()), option,
                                 format);
 }
@@ -82,7 +135,10 @@ bool ImageCodecStb::load_image_from_memory(Image* image, unsigned char* data, un
   if (!image || !data || size == 0) return false;
   const int channels = wanted_channels(format);
   detail::DecodedImage decoded;
-  if (!decoded.decode(data, size, channels)) return false;
+  if (!decoded.decode(data, size, channels)) {
+    report("cannot be decoded", FileName::current(), decoded.fault());
+    return false;
+  }
   if (!image->create(decoded.width(), decoded.height(), 1, format_of_channels(channels), false,
                      true)) {
     return false;
@@ -94,22 +150,11 @@ bool ImageCodecStb::load_image_from_memory(Image* image, unsigned char* data, un
 }
 
 bool ImageCodecStb::save_image_to_file(Image* image, const char* filename) {
-  if (!image || !filename || !image->has_pixels()) return false;
-  switch (static_cast<int>(image->pixel_format)) {
-    case PF_RGB_U8:
-    case PF_BGR_U8:
-      return detail::write_jpeg(filename, image->width, image->height, 3, image->get_u8_ptr());
-    case PF_RGBA_U8:
-    case PF_BGRA_U8:
-      return detail::write_jpeg(filename, image->width, image->height, 4, image->get_u8_ptr());
-    case PF_R_U8:
-      return detail::write_jpeg(filename, image->width, image->height, 1, image->get_u8_ptr());
-    case PF_RGB_F32:
-    case PF_RGBA_F32:
-      return save_floats(*image, filename);
-    default:
-      return false;
-  }
+  if (!image || !filename) return false;
+  const char* fault = "no pixels";
+  if (image->has_pixels() && save_image(*image, filename, &fault)) return true;
+  report("cannot be written", filename, fault);
+  return false;
 }
 
 bool ImageCodecStb::free_image_resources(Image* image) {

@@ -1,10 +1,12 @@
 #include "image/jpeg_writer.h"
 
+#include "core/read_file.h"
 #include "image/jpeg_tables.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -339,23 +341,40 @@ void put_header(JpegOutput& out, const Picture& picture) {
   out.put_bytes(Bytes{0xFF, 0xDA, 0, 0x0C, 3, 1, 0x00, 2, 0x11, 3, 0x11, 0, 0x3F, 0});
 }
 
-}  // namespace
+const char* fault_of(unsigned int width, unsigned int height, int components,
+                     const unsigned char* pixels) {
+  if (!pixels || width == 0 || height == 0) return "no pixels";
+  if (components != 1 && components != 3 && components != 4) {
+    return "pixels of another number of components than 1, 3 or 4";
+  }
+  return width > MAX_SIDE || height > MAX_SIDE ? "a side of more than 65535 pixels" : nullptr;
+}
 
-bool write_jpeg(const char* filename, unsigned int width, unsigned int height, int components,
-                const unsigned char* pixels) {
-  if (!filename || !pixels || width == 0 || height == 0) return false;
-  if (components != 1 && components != 3 && components != 4) return false;
-  if (width > MAX_SIDE || height > MAX_SIDE) return false;
+/// Null when the whole file was written.
+const char* write_or_tell(const char* filename, const Picture& picture) {
   std::FILE* file = std::fopen(filename, "wb");
-  if (!file) return false;
+  if (!file) return system_fault(errno);
   const auto out = std::make_unique<JpegOutput>(file);
-  const Picture picture = {pixels, width, height, static_cast<std::size_t>(components)};
   put_header(*out, picture);
   put_scan(*out, picture);
   out->put_word(0xFFD9);
+  errno = 0;
   out->flush();
   const bool is_closed = std::fclose(file) == 0;
-  return out->is_good() && is_closed;
+  if (out->is_good() && is_closed) return nullptr;
+  return errno != 0 ? system_fault(errno) : "not all of it could be written";
+}
+
+}  // namespace
+
+bool write_jpeg(const char* filename, unsigned int width, unsigned int height, int components,
+                const unsigned char* pixels, const char** fault) {
+  const char* cause = filename ? fault_of(width, height, components, pixels) : "no name";
+  if (!cause) {
+    cause = write_or_tell(filename, {pixels, width, height, static_cast<std::size_t>(components)});
+  }
+  if (fault) *fault = cause;
+  return cause == nullptr;
 }
 
 }  // namespace orv::detail

@@ -45,7 +45,6 @@ inline void* copy_bytes(void* target, const void* source, std::size_t size) {
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_NO_STDIO
 #define STBI_NO_PNM
-#define STBI_NO_FAILURE_STRINGS
 // A spoiled file must not abort the host.
 #define STBI_ASSERT(x) ((void)(x))
 #define STBI_MALLOC(size) allocate_block(size)
@@ -121,19 +120,26 @@ class BlockLimit {
   BlockLimit& operator=(const BlockLimit&) = delete;
 };
 
-/// Whether the decoder may see the file; then the sizes of the picture are told.
-bool is_decodable(const unsigned char* data, std::size_t size, PictureSize* picture) {
+/// What is wrong with a file is a text that is never freed; null is told of a good one.
+using Fault = const char*;
+
+constexpr Fault TOO_LARGE = "too large";
+
+/// Why the decoder must not see the file. Without a fault the sizes of the picture are told.
+Fault fault_of_contents(const unsigned char* data, std::size_t size, PictureSize* picture) {
   // First of all: the tables of a JPEG are read with its size already.
   std::uint64_t num_scans = 0;
-  if (!is_sound_jpeg(data, size, &num_scans)) return false;
+  if (!is_sound_jpeg(data, size, &num_scans)) return "JPEG with too large a Huffman table";
   int width = 0, height = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &width, &height, &channels)) {
-    return false;
+    return "of no known format, or its header is damaged";
   }
   // The height of a BMP that starts with its upper row is told as a negative number.
   *picture = {magnitude(width), magnitude(height)};
-  if (picture->pixels() > FREE_PIXELS + size * pixels_per_byte(data, size)) return false;
-  return picture->pixels() * num_scans <= MAX_JPEG_WORK;
+  if (picture->pixels() > FREE_PIXELS + size * pixels_per_byte(data, size)) {
+    return "truncated: its header tells more pixels than it can hold";
+  }
+  return picture->pixels() * num_scans <= MAX_JPEG_WORK ? nullptr : "JPEG with too many scans";
 }
 
 /// A file as the decoder is to see it: the caller's bytes, or a mended copy of them.
@@ -142,45 +148,63 @@ struct Source {
   std::size_t size;
   std::vector<unsigned char> copy;
 
-  bool use_copy() {
+  Fault use_copy() {
     data = copy.data();
     size = copy.size();
-    return size <= INT_MAX;
+    return size <= INT_MAX ? nullptr : TOO_LARGE;
   }
 };
 
 /// Ends the header of an HDR file that is cut within it, so that its sizes are read the same each
 /// time and that it swallows nothing of what fill_up() appends.
-bool end_header(Source* source) {
-  if (!has_magic(source->data, source->size, RADIANCE)) return true;
+Fault end_header(Source* source) {
+  if (!has_magic(source->data, source->size, RADIANCE)) return nullptr;
   source->copy.reserve(source->size + 1);
   source->copy.assign(source->data, source->data + source->size);
   source->copy.push_back('\n');
   return source->use_copy();
 }
 
-/// Puts zeros where an HDR file ends early: four bytes a pixel, as if nothing were packed. False
-/// for one that is packed.
-bool fill_up(Source* source, const PictureSize& picture) {
-  if (!is_sound_hdr(source->data, source->size, picture.width, picture.height)) return false;
+/// Puts zeros where an HDR file ends early: four bytes a pixel, as if nothing were packed. A packed
+/// one is refused.
+Fault fill_up(Source* source, const PictureSize& picture) {
+  if (!is_sound_hdr(source->data, source->size, picture.width, picture.height)) {
+    return "truncated within a packed row";
+  }
   const std::uint64_t size = source->size + 4 * picture.pixels();
-  if (size > INT_MAX) return false;
+  if (size > INT_MAX) return TOO_LARGE;
   source->copy.resize(static_cast<std::size_t>(size));
   return source->use_copy();
 }
 
-/// Mends what the decoder would take from memory that nobody wrote. False when it must not see the
-/// file.
-bool mend(Source* source, const PictureSize& picture) {
+/// Mends what the decoder would take from memory that nobody wrote, or tells why it must not see
+/// the file.
+Fault mend(Source* source, const PictureSize& picture) {
   if (has_magic(source->data, source->size, RADIANCE)) return fill_up(source, picture);
   switch (rebuild_bmp_palette(source->data, source->size, &source->copy)) {
     case BmpPalette::BROKEN:
-      return false;
+      return "BMP with a missing, too large or truncated palette";
     case BmpPalette::REBUILT:
       return source->use_copy();
     default:
-      return true;
+      return nullptr;
   }
+}
+
+/// The decoder's word for its last failure, where it is a riddle another one.
+Fault fault_of_decoder() {
+  const char* reason = stbi_failure_reason();
+  if (!reason) return "damaged";
+  if (std::strcmp(reason, "outofdata") == 0) return "truncated";
+  if (std::strcmp(reason, "outofmem") == 0) return "damaged, or memory is exhausted";
+  return reason;
+}
+
+/// What comes before decoding.
+Fault prepare(Source* source, PictureSize* picture) {
+  if (const Fault fault = end_header(source)) return fault;
+  if (const Fault fault = fault_of_contents(source->data, source->size, picture)) return fault;
+  return mend(source, *picture);
 }
 
 }  // namespace
@@ -188,11 +212,14 @@ bool mend(Source* source, const PictureSize& picture) {
 DecodedImage::~DecodedImage() { stbi_image_free(pixels_); }
 
 bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels) {
-  if (!data || size == 0 || size > INT_MAX || channels < 1 || channels > 4) return false;
+  fault_ = "no data";
+  if (!data || size == 0 || channels < 1 || channels > 4) return false;
+  fault_ = TOO_LARGE;
+  if (size > INT_MAX) return false;
   PictureSize picture;
   Source source{data, size, {}};
-  if (!end_header(&source) || !is_decodable(source.data, source.size, &picture)) return false;
-  if (!mend(&source, picture)) return false;
+  fault_ = prepare(&source, &picture);
+  if (fault_) return false;
   const BlockLimit limit(source.size, picture);
   int width = 0, height = 0, file_channels = 0;
   // Of a Softimage picture that fails the decoder would convert the null picture: it is converted
@@ -205,7 +232,10 @@ bool DecodedImage::decode(const unsigned char* data, std::size_t size, int chann
     pixels = stbi__convert_format(pixels, 4, channels, static_cast<unsigned int>(width),
                                   static_cast<unsigned int>(height));
   }
-  if (!pixels) return false;
+  if (!pixels) {
+    fault_ = fault_of_decoder();
+    return false;
+  }
   stbi_image_free(pixels_);
   pixels_ = pixels;
   width_ = static_cast<unsigned int>(width);

@@ -19,6 +19,9 @@ class DecodedImage {
   /// the data.
   bool decode(const unsigned char* data, std::size_t size, int channels);
 
+  /// Why the last decode() failed, by a text that is never freed; null when it did not.
+  const char* fault() const { return fault_; }
+
   const unsigned char* pixels() const { return pixels_; }
   unsigned int width() const { return width_; }
   unsigned int height() const { return height_; }
@@ -27,6 +30,7 @@ class DecodedImage {
   unsigned char* pixels_ = nullptr;
   unsigned int width_ = 0;
   unsigned int height_ = 0;
+  const char* fault_ = nullptr;
 };
 
 }  // namespace orv::detail
