@@ -383,13 +383,15 @@ void build_camera(Scene& scene, const CameraRecord& record) {
 /// Reads the file at `path` in its clean form. Null, with the reason in the log, when it is none.
 TdsPtr open_file(Plugin& log, const std::string& path, bool* has_nodes) {
   std::vector<unsigned char> bytes;
-  if (!detail::read_whole_file(path.c_str(), bytes)) {
-    log.tracef_debug("unable to read file: %s", path.c_str());
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(path.c_str(), bytes, &fault)) {
+    log.tracef_debug("can't read %s: %s", path.c_str(), fault);
     return nullptr;
   }
   TdsFile clean;
   if (!tds_clean(bytes.data(), bytes.size(), clean)) {
-    log.tracef_debug("not a whole 3DS file: %s", path.c_str());
+    log.tracef_debug("%s: not a whole 3DS file: %s at byte %zu", path.c_str(), clean.fault,
+                     clean.fault_at);
     return nullptr;
   }
   if (clean.dropped_faces + clean.dropped_objects > 0) {
@@ -397,7 +399,9 @@ TdsPtr open_file(Plugin& log, const std::string& path, bool* has_nodes) {
                      clean.dropped_faces, clean.dropped_objects);
   }
   *has_nodes = clean.has_nodes;
-  return tds_parse(clean);
+  TdsPtr file = tds_parse(clean);
+  if (!file) log.tracef_debug("%s: lib3ds cannot read it", path.c_str());
+  return file;
 }
 
 /// Reads what is asked for out of a file. False when the file cannot be read.

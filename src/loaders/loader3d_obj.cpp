@@ -30,12 +30,13 @@ bool Loader3D_OBJ::load_model(Model* model, const char* filename) {
   {
     const detail::MappedFile file(path.c_str());
     if (!file.is_open()) {
-      tracef_debug("can't read %s", path.c_str());
+      tracef_debug("can't read %s: %s", path.c_str(), file.fault());
       return false;
     }
     const auto read_library = [&](const std::string& name, std::vector<unsigned char>& library) {
-      if (detail::read_whole_file((directory + name).c_str(), library)) return true;
-      tracef_debug("%s: can't read material library %s", path.c_str(), name.c_str());
+      const char* fault = nullptr;
+      if (detail::read_whole_file((directory + name).c_str(), library, &fault)) return true;
+      tracef_debug("%s: can't read material library %s: %s", path.c_str(), name.c_str(), fault);
       return false;
     };
     detail::parse_obj(file.text(), read_library, document);

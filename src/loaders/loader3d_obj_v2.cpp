@@ -200,6 +200,7 @@ bool Loader3D_OBJ_V2::load_model(Model* model, const char* filename) {
   if (!file.messages.empty()) tracef_error("error: %s", file.messages.c_str());
   if (!loaded) {
     tracef_error("failed to load / parse %s", path.c_str());
+    tracef_debug("can't read %s: %s", path.c_str(), file.fault.c_str());
     return false;
   }
   ShapeGeometry geometry;

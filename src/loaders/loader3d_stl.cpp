@@ -24,13 +24,16 @@ bool Loader3D_STL::load_model(Model* model, const char* filename) {
   if (!model || !detail::ends_in_letters(filename, "stl")) return false;
   const std::string path = std::string(get_model_dir()) + filename;
   std::vector<unsigned char> bytes;
-  if (!detail::read_whole_file(path.c_str(), bytes)) {
+  const char* fault = nullptr;
+  if (!detail::read_whole_file(path.c_str(), bytes, &fault)) {
     tracef_error("unable to load file: %s", path.c_str());
+    tracef_debug("can't read %s: %s", path.c_str(), fault);
     return false;
   }
   const detail::StlTriangles triangles = detail::find_stl_triangles(bytes.data(), bytes.size());
   if (!detail::build_stl_model(triangles, *model)) {
-    tracef_debug("%s: no mesh from %u triangles", path.c_str(), triangles.count);
+    tracef_debug("%s: no mesh from %u triangles%s", path.c_str(), triangles.count,
+                 triangles.fault ? triangles.fault : "");
   }
   return true;
 }

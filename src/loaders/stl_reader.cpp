@@ -31,10 +31,10 @@ vec4 read_vector(const unsigned char* p, float w) {
 }  // namespace
 
 StlTriangles find_stl_triangles(const unsigned char* bytes, std::size_t size) {
-  if (!bytes || size < RECORDS_OFFSET) return {};
+  if (!bytes || size < RECORDS_OFFSET) return {nullptr, 0, ": shorter than its header"};
   const std::uint64_t count = read_u32(bytes + HEADER_SIZE);
   const bool fits = RECORDS_OFFSET + count * StlTriangles::RECORD_SIZE == size;
-  if (!fits && std::memcmp(bytes, "solid", 5) == 0) return {};
+  if (!fits && std::memcmp(bytes, "solid", 5) == 0) return {nullptr, 0, ": the text form"};
   const std::uint64_t held = (size - RECORDS_OFFSET) / StlTriangles::RECORD_SIZE;
   return {bytes + RECORDS_OFFSET, static_cast<std::uint32_t>(std::min(count, held))};
 }

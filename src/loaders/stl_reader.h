@@ -15,6 +15,8 @@ struct StlTriangles {
 
   const unsigned char* records = nullptr;
   std::uint32_t count = 0;
+  /// Why there are none, as the end of a sentence that is never freed; null when there may be some.
+  const char* fault = nullptr;
 };
 
 /// Looks for the records in the bytes of a file: as many as the file says it has and holds. None

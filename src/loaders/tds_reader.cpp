@@ -38,16 +38,65 @@ bool copy_main(ChunkWriter& out, Bytes body, TdsFile& file) {
   return whole;
 }
 
+// ---- what is wrong with a file ----
+
+/// How many bytes of a chunk's body stand in front of the chunks in it; -1 where there are none.
+int offset_of_parts(unsigned id, Bytes body) {
+  switch (id) {
+    case LIB3DS_MDATA:
+    case LIB3DS_KFDATA:
+    case LIB3DS_MAT_ENTRY:
+    case LIB3DS_N_TRI_OBJECT:
+    case LIB3DS_OBJECT_NODE_TAG:
+      return 0;
+    case LIB3DS_NAMED_OBJECT:
+      return static_cast<int>(tds::text_at_start(body).size());
+    default:
+      return is_main_chunk(id) ? 0 : -1;
+  }
+}
+
+/// The first chunk that reaches out of the one around it, looked for down to this depth; none that
+/// the reader looks into stands deeper.
+const unsigned char* find_cut_chunk(Bytes bytes, int depth = 6) {
+  while (bytes.size() >= tds::HEADER_SIZE) {
+    const std::size_t length = tds::u32_at(bytes, 2);
+    if (length < tds::HEADER_SIZE || length > bytes.size()) return bytes.data();
+    const Bytes body = bytes.subspan(tds::HEADER_SIZE, length - tds::HEADER_SIZE);
+    const int offset = offset_of_parts(tds::u16_at(bytes, 0), body);
+    if (offset >= 0 && depth > 0) {
+      const Bytes parts = body.subspan(static_cast<std::size_t>(offset));
+      if (const unsigned char* cut = find_cut_chunk(parts, depth - 1)) return cut;
+    }
+    bytes = bytes.subspan(length);
+  }
+  return nullptr;
+}
+
+bool refuse(TdsFile& out, const char* fault, std::size_t at) {
+  out = TdsFile();
+  out.fault = fault;
+  out.fault_at = at;
+  return false;
+}
+
+bool refuse_damaged(TdsFile& out, Bytes bytes) {
+  const unsigned char* cut = find_cut_chunk(bytes);
+  if (!cut) return refuse(out, "a chunk is too short for what it counts, somewhere behind", 0);
+  return refuse(out, "a chunk of a wrong length", static_cast<std::size_t>(cut - bytes.data()));
+}
+
 }  // namespace
 
 bool tds_clean(const unsigned char* data, std::size_t size, TdsFile& out) {
   out = TdsFile();
   const Bytes bytes(data, data ? size : 0);
-  if (bytes.size() < tds::HEADER_SIZE) return false;
-  const std::size_t length = tds::u32_at(bytes, 2);
-  if (length < tds::HEADER_SIZE || length > bytes.size()) return false;
+  if (bytes.size() < tds::HEADER_SIZE) return refuse(out, "no chunk", 0);
   const unsigned id = tds::u16_at(bytes, 0);
-  if (!is_main_chunk(id) && id != LIB3DS_MDATA) return false;
+  if (!is_main_chunk(id) && id != LIB3DS_MDATA) return refuse(out, "no main chunk", 0);
+  const std::size_t length = tds::u32_at(bytes, 2);
+  if (length < tds::HEADER_SIZE) return refuse(out, "a chunk of a wrong length", 0);
+  if (length > bytes.size()) return refuse(out, "truncated", bytes.size());
 
   out.bytes.reserve(length);
   ChunkWriter writer(out.bytes);
@@ -57,9 +106,8 @@ bool tds_clean(const unsigned char* data, std::size_t size, TdsFile& out) {
                                        : bytes.first(length);
   const bool whole = copy_main(writer, body, out);
   writer.end(start);
-  if (whole && out.bytes.size() <= UINT32_MAX) return true;
-  out = TdsFile();
-  return false;
+  if (!whole) return refuse_damaged(out, bytes.first(length));
+  return out.bytes.size() <= UINT32_MAX || refuse(out, "too large", 0);
 }
 
 // ---- lib3ds ----------------------------------------------------------------------------------

@@ -15,7 +15,9 @@ struct TdsFile {
   bool has_nodes = false;         ///< the original has nodes, if only of other types
   std::size_t dropped_faces = 0;  ///< faces that named a vertex that is not there
   std::size_t dropped_objects =
-      0;  ///< materials, objects and nodes beyond the limits or unreachable
+      0;                        ///< materials, objects and nodes beyond the limits or unreachable
+  const char* fault = nullptr;  ///< why there is no clean form, a text that is never freed
+  std::size_t fault_at = 0;     ///< byte of the original where that shows
 };
 
 /// Checks a 3DS file and writes it anew, since lib3ds believes every length, count and index that

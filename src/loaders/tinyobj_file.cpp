@@ -13,9 +13,9 @@ namespace orv::detail {
 
 namespace {
 
-bool read_text(const std::string& path, std::string& text) {
+bool read_text(const std::string& path, std::string& text, const char** fault = nullptr) {
   std::vector<unsigned char> bytes;
-  if (!read_whole_file(path.c_str(), bytes)) return false;
+  if (!read_whole_file(path.c_str(), bytes, fault)) return false;
   text.assign(bytes.begin(), bytes.end());
   return true;
 }
@@ -53,7 +53,9 @@ class PlainFileMaterialReader : public tinyobj::MaterialReader {
 
 bool TinyobjFile::read(const std::string& path, const std::string& directory) {
   std::string text;
-  if (!read_text(path, text)) {
+  const char* cause = nullptr;
+  if (!read_text(path, text, &cause)) {
+    fault = cause;
     messages = "Cannot open file [" + path + "]\n";
     return false;
   }
@@ -68,6 +70,7 @@ bool TinyobjFile::parse(std::string text, tinyobj::MaterialReader& libraries) {
   const bool loaded =
       tinyobj::LoadObj(&attrib, &shapes, &materials, &warnings, &errors, &stream, &libraries);
   messages = warnings + errors;
+  if (!loaded) fault = errors.substr(0, errors.find('\n'));
   return loaded;
 }
 

@@ -14,6 +14,7 @@ struct TinyobjFile {
   std::vector<tinyobj::shape_t> shapes;
   std::vector<tinyobj::material_t> materials;
   std::string messages;  ///< warnings, then errors; "" for none
+  std::string fault;     ///< why reading failed, in one line; "" when it did not
 
   /// Material libraries are looked for in `directory`. Only plain files are read, since a name in
   /// an OBJ file may lead anywhere.
