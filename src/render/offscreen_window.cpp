@@ -1,5 +1,7 @@
 #include <orv/render/offscreen_window.h>
 
+#include <orv/core/log_mgr.h>
+
 #include <algorithm>
 
 #include "render/window/offscreen_registry.h"
@@ -47,7 +49,11 @@ int OffscreenWindow::get_height() const {
 
 bool OffscreenWindow::resize(int width, int height) {
   if (width < 1 || height < 1) return false;
-  if (width > detail::MAX_OFFSCREEN_SIZE || height > detail::MAX_OFFSCREEN_SIZE) return false;
+  if (width > detail::MAX_OFFSCREEN_SIZE || height > detail::MAX_OFFSCREEN_SIZE) {
+    LogMgr::get().tracef_debug("offscreen window: a size of %dx%d is above %d", width, height,
+                               detail::MAX_OFFSCREEN_SIZE);
+    return false;
+  }
   const Lock lock(OffscreenRegistry::get().mutex());
   if (data_->surface && !detail::resize_offscreen_surface(data_, width, height)) return false;
   data_->width = width;

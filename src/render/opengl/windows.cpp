@@ -209,7 +209,11 @@ bool RendererOpenGL::render_window_share_lists(RenderWindow* a, RenderWindow* b)
   WindowSurface* source = detail::surface_of(a);
   WindowSurface* surface = detail::surface_of(b);
   if (!source || !surface || a == b || !context_of(a) || !context_of(b)) return false;
-  if (source->back_end != surface->back_end || surface->host_made) return false;
+  if (source->back_end != surface->back_end || surface->host_made) {
+    LogMgr::get().tracef_debug("context not shared: it is %s",
+                               surface->host_made ? "the host's" : "of another window system");
+    return false;
+  }
   const bool was_current = surface->back_end->current_context() == context_of(b);
   void* shared = detail::recreate_shared(*surface, context_of(b), context_of(a));
   if (!shared) return false;

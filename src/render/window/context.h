@@ -99,6 +99,12 @@ bool bind_context(WindowSurface& surface, void* context);
 /// The window system's side of a window that has a context; null for null and without one.
 WindowSurface* surface_of(const RenderWindow* window);
 
+/// Says in the log that a window system has no format for a request.
+void report_no_format(const char* system, const PixelRequest& request);
+/// Says in the log what context a driver refused. `error` is the window system's number, 0 for
+/// none.
+void report_refused_context(const char* system, const ContextRequest& request, unsigned int error);
+
 /// Id of the visual that GLX would draw to; see RenderWindow::find_x11_visual_id.
 unsigned long find_glx_visual_id(const RenderWindowData& data);
 

@@ -154,12 +154,14 @@ void* recreate_shared(WindowSurface& surface, void* context, void* source) {
   ContextBackEnd* back_end = surface.back_end;
   const std::thread::id nowhere;
   if (surface.current_on != nowhere && surface.current_on != std::this_thread::get_id()) {
+    LogMgr::get().trace_debug("context not shared: it is current on another thread");
     return nullptr;
   }
   const bool was_current = back_end->current_context() == context;
   CurrentBinding before(back_end);
   if (!was_current && !bind_context(surface, context)) return nullptr;
   const bool empty = is_current_context_empty(back_end);
+  if (!empty) LogMgr::get().trace_debug("context not shared: it has objects already");
   back_end->make_current(surface, nullptr);
   void* shared = empty ? back_end->create_context(surface, surface.made, source) : nullptr;
   if (shared) back_end->destroy_context(surface, context);

@@ -326,7 +326,10 @@ class EglBackEnd : public ContextBackEnd {
       mine.config = window->config;
       return true;
     }
-    if (request.existing) return false;
+    if (request.existing) {
+      report_no_format("EGL", request);
+      return false;
+    }
     const EglLibrary& egl = *egl_library();
     const OpenGLBound bound(egl);
     int best = -1;
@@ -336,6 +339,7 @@ class EglBackEnd : public ContextBackEnd {
       best = penalty;
       mine.config = config;
     }
+    if (best < 0) report_no_format("EGL", request);
     return best >= 0;
   }
 
@@ -385,8 +389,7 @@ class EglBackEnd : public ContextBackEnd {
     const EGLContext context =
         egl.eglCreateContext(mine.display, mine.config, shared, attributes.data());
     if (context == EGL_NO_CONTEXT) {
-      LogMgr::get().tracef_debug("EGL: context refused (0x%04X)",
-                                 static_cast<unsigned int>(egl.eglGetError()));
+      report_refused_context("EGL", request, static_cast<unsigned int>(egl.eglGetError()));
     }
     return context;
   }
@@ -406,7 +409,11 @@ class EglBackEnd : public ContextBackEnd {
       read = mine.host_read;
     } else if (context) {
       const OffscreenWindowData* window = window_of(mine);
-      if (!window || !window->surface) return false;
+      if (!window) return false;
+      if (!window->surface) {
+        LogMgr::get().trace_debug("EGL: context not bound: the offscreen window has no surface");
+        return false;
+      }
       draw = read = window->surface;
     }
     if (egl.eglMakeCurrent(mine.display, draw, read, context)) return true;
@@ -425,13 +432,26 @@ class EglBackEnd : public ContextBackEnd {
       const OffscreenWindowData* window = window_of(mine);
       target = window ? window->surface : EGL_NO_SURFACE;
     }
-    return target != EGL_NO_SURFACE && egl_library()->eglSwapBuffers(mine.display, target);
+    if (target == EGL_NO_SURFACE) return false;
+    const EglLibrary& egl = *egl_library();
+    if (egl.eglSwapBuffers(mine.display, target)) return true;
+    LogMgr::get().tracef_debug("EGL: buffers not swapped (0x%04X)",
+                               static_cast<unsigned int>(egl.eglGetError()));
+    return false;
   }
 
   bool set_interval(WindowSurface& surface, int interval) override {
     EglWindowSurface& mine = own(surface);
-    if (!is_current_surface(mine)) return false;
-    if (!egl_library()->eglSwapInterval(mine.display, interval)) return false;
+    if (!is_current_surface(mine)) {
+      LogMgr::get().trace_debug("EGL: swap interval not set: the window is not current");
+      return false;
+    }
+    const EglLibrary& egl = *egl_library();
+    if (!egl.eglSwapInterval(mine.display, interval)) {
+      LogMgr::get().tracef_debug("EGL: swap interval of %d refused (0x%04X)", interval,
+                                 static_cast<unsigned int>(egl.eglGetError()));
+      return false;
+    }
     mine.interval = interval;
     return true;
   }
@@ -515,6 +535,8 @@ bool resize_offscreen_surface(OffscreenWindowData* data, int width, int height) 
   if (fresh == EGL_NO_SURFACE) return false;
   if (egl.eglGetCurrentSurface(EGL_DRAW) == data->surface &&
       !egl.eglMakeCurrent(data->display, fresh, fresh, egl.eglGetCurrentContext())) {
+    LogMgr::get().tracef_debug("EGL: context not bound to a surface of %dx%d (0x%04X)", width,
+                               height, static_cast<unsigned int>(egl.eglGetError()));
     egl.eglDestroySurface(data->display, fresh);
     return false;
   }

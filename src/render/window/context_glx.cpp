@@ -301,6 +301,7 @@ class GlxBackEnd : public ContextBackEnd {
     const FormatList formats(glx, mine.display, mine.screen);
     mine.config = formats.find(mine.host_visual, request);
     if (!mine.config && !request.existing) mine.config = formats.find(0, request);
+    if (!mine.config) report_no_format("GLX", request);
     return mine.config && !trap.failed("choosing a pixel format");
   }
 
@@ -338,7 +339,7 @@ class GlxBackEnd : public ContextBackEnd {
       trap.failed("destroying a refused context");
       context = nullptr;
     }
-    if (!context) LogMgr::get().trace_debug("GLX: context refused");
+    if (!context) report_refused_context("GLX", request, 0);
     return context;
   }
 
@@ -360,14 +361,19 @@ class GlxBackEnd : public ContextBackEnd {
     const ::GLXDrawable read = context ? mine.read : 0;
     const bool bound = glx.glXMakeContextCurrent(mine.display, draw, read,
                                                  static_cast<::GLXContext>(context)) == True;
-    return !trap.failed("binding a context") && bound;
+    if (trap.failed("binding a context")) return false;
+    if (!bound) LogMgr::get().trace_debug("GLX: context not bound");
+    return bound;
   }
 
   // ---- swapping ----
 
   bool swap(WindowSurface& surface) override {
     const GlxWindowSurface& mine = own(surface);
-    if (!mine.draw) return false;
+    if (!mine.draw) {
+      LogMgr::get().trace_debug("GLX: buffers not swapped: nothing is drawn to");
+      return false;
+    }
     glx_library()->glXSwapBuffers(mine.display, mine.draw);
     return true;
   }
@@ -393,7 +399,11 @@ class GlxBackEnd : public ContextBackEnd {
       const auto call = glx.fetch<SetSgi>("glXSwapIntervalSGI");
       set = call && call(interval) == 0;
     }
-    if (trap.failed("setting the swap interval") || !set) return false;
+    if (trap.failed("setting the swap interval")) return false;
+    if (!set) {
+      LogMgr::get().tracef_debug("GLX: swap interval of %d not set: no swap control", interval);
+      return false;
+    }
     mine.interval = interval;
     return true;
   }
@@ -417,7 +427,10 @@ class GlxBackEnd : public ContextBackEnd {
       *interval = call();
       return true;
     }
-    if (!is_listed(names, "GLX_SGI_swap_control")) return false;
+    if (!is_listed(names, "GLX_SGI_swap_control")) {
+      LogMgr::get().trace_debug("GLX: swap interval unknown: no swap control");
+      return false;
+    }
     *interval = mine.interval;
     return true;
   }
@@ -522,7 +535,13 @@ class GlxBackEnd : public ContextBackEnd {
     const GlxLibrary& glx = *glx_library();
     XErrorTrap trap(glx, mine->display);
     ::XVisualInfo* visual = glx.glXGetVisualFromFBConfig(mine->display, mine->config);
-    if (!visual || !read_host_size(*mine, &mine->child_width, &mine->child_height)) return false;
+    if (!visual || !read_host_size(*mine, &mine->child_width, &mine->child_height)) {
+      if (visual) glx.XFree(visual);
+      if (!trap.failed("looking at the host's window")) {
+        LogMgr::get().trace_debug("GLX: no inner window: its format has no visual");
+      }
+      return false;
+    }
     mine->colormap =
         glx.XCreateColormap(mine->display, mine->host_window, visual->visual, AllocNone);
     ::XSetWindowAttributes attributes = {};
@@ -553,7 +572,10 @@ unsigned long find_glx_visual_id(const RenderWindowData& data) {
   auto* display = static_cast<::Display*>(data.app_instance);
   const bool opened_here = display == nullptr;
   if (opened_here) display = glx->XOpenDisplay(nullptr);
-  if (!display) return 0;
+  if (!display) {
+    LogMgr::get().trace_debug("GLX: no visual: the X display cannot be opened");
+    return 0;
+  }
   unsigned long id = 0;
   if (glx->glXQueryExtension(display, nullptr, nullptr)) {
     const FormatList formats(*glx, display, DefaultScreen(display));
@@ -568,6 +590,9 @@ unsigned long find_glx_visual_id(const RenderWindowData& data) {
       if (config) id = formats.visual_of(config);
       if (config) break;
     }
+    if (id == 0) report_no_format("GLX", request);
+  } else {
+    LogMgr::get().trace_debug("GLX: the display has no GLX");
   }
   if (opened_here) glx->XCloseDisplay(display);
   return id;
