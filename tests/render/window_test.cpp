@@ -76,6 +76,7 @@ TEST(Window, RenderSetsTheViewportAndDrawsTheScene) {
   EXPECT_EQ(camera.get_viewport().y, 2);
   EXPECT_EQ(camera.get_viewport().width, 30);
   EXPECT_EQ(camera.get_viewport().height, 40);
+  scene.get_root()->release(nullptr, nullptr);
 }
 
 TEST(Window, CameraOrSceneRendererMayBeMissing) {

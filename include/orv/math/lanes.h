@@ -12,7 +12,7 @@ using float4 = float __attribute__((vector_size(16)));
 
 /// Four floats in memory, aligned as a float is. It counts as floats to the compiler, so that a
 /// loop which stores results may keep everything but floats in registers.
-using float4_in_memory = float __attribute__((vector_size(16), aligned(4)));
+using float4_in_memory __attribute__((aligned(4))) = float4;
 
 /// Reads four floats; `p` needs no alignment.
 inline float4 load(const float* p) { return *reinterpret_cast<const float4_in_memory*>(p); }
