@@ -1,9 +1,12 @@
+#include <orv/core/log_mgr.h>
 #include <orv/geometry/mesh.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 
+#include "core/read_file.h"
 #include "geometry/attrib_access.h"
 #include "geometry/face_access.h"
 #include "geometry/limits.h"
@@ -51,7 +54,11 @@ void write_faces(std::FILE* file, const MeshData& data, unsigned int count) {
 bool Mesh::export_to_c(const char* path) {
   if (!path || !mesh_data_) return false;
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "a"), std::fclose);
-  if (!file) return false;
+  if (!file) {
+    LogMgr::get().tracef_debug("mesh %s: cannot write %s: %s", get_name(), path,
+                               detail::system_fault(errno));
+    return false;
+  }
   std::fputs("\ntypedef struct MeshVertexStruct {", file.get());
   std::fputs("\n\tfloat x, y, z; // Position", file.get());
   std::fputs("\n\tfloat nx, ny, nz; // Normal", file.get());

@@ -1,5 +1,7 @@
 #include <orv/image/image.h>
 
+#include <orv/core/log_mgr.h>
+
 #include "image/image_access.h"
 #include "image/pixel_cast.h"
 
@@ -20,10 +22,16 @@ bool create_store(Image& image, PIXEL_FORMAT format, unsigned int pixel_size, bo
   ImageAccess::release<T>(image);
   std::size_t bytes = 0;
   if (!detail::block_size(detail::pixel_count(image), image.depth, pixel_size, &bytes)) {
+    LogMgr::get().tracef_debug("image of %ux%ux%u pixels: too large for any memory", image.width,
+                               image.height, image.depth);
     return false;
   }
   T* pixels = detail::new_block<T>(bytes);
-  if (!pixels) return false;
+  if (!pixels) {
+    LogMgr::get().tracef_debug("image of %ux%ux%u pixels: allocation of %zu bytes failed",
+                               image.width, image.height, image.depth, bytes);
+    return false;
+  }
   if (zero_fill) std::memset(pixels, 0, bytes);
   ImageAccess::install(image, pixels, bytes);
   ImageAccess::mark_owner(image);
