@@ -12,9 +12,13 @@ configure_package_config_file(cmake/orv-config.cmake.in ${PROJECT_BINARY_DIR}/or
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/orv-config-version.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orv-config.cmake ${PROJECT_BINARY_DIR}/orv-config-version.cmake
-  cmake/OrvPlugin.cmake
+  cmake/OrvPlugin.cmake cmake/orv_plugin_exports.map
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orv COMPONENT dev)
 
 configure_file(cmake/orv.pc.in ${PROJECT_BINARY_DIR}/orv.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT dev)
+
+if(TARGET orv-viewer)
+  install(TARGETS orv-viewer RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
