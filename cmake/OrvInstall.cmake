@@ -20,5 +20,10 @@ install(FILES ${PROJECT_BINARY_DIR}/orv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/p
   COMPONENT dev)
 
 if(TARGET orv-viewer)
+  if(NOT ORV_DEBIAN_PACKAGES)
+    # Installed anywhere, it finds the library beside it; packages put both where all look.
+    file(RELATIVE_PATH libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(orv-viewer PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  endif()
   install(TARGETS orv-viewer RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endif()

@@ -6,3 +6,11 @@ foreach(file include/orv/orv.h include/orv/render/renderer_ops.inc)
     message(FATAL_ERROR "not installed: ${file}")
   endif()
 endforeach()
+
+# Not there when the viewer was not built.
+if(EXISTS ${PREFIX}/bin/orv-viewer)
+  must(${PREFIX}/bin/orv-viewer --version)
+  if(NOT must_output MATCHES "^orv-viewer 0\\.26\\.")
+    message(FATAL_ERROR "the viewer said: ${must_output}")
+  endif()
+endif()
