@@ -1,3 +1,4 @@
+#include <orv/core/log_mgr.h>
 #include <orv/geometry/mesh.h>
 
 #include "geometry/attrib_access.h"
@@ -52,7 +53,12 @@ bool Mesh::voxelize(float dx, float dy, float dz, float precision) {
   if (!mesh_data_) return false;
   if (mesh_data_->get_num_vertices() == 0 || mesh_data_->get_num_faces() == 0) return false;
   VoxelCubes cubes;
-  if (!voxelize_surface(soup_of(*mesh_data_), vec3(dx, dy, dz), precision, &cubes)) return false;
+  if (!voxelize_surface(soup_of(*mesh_data_), vec3(dx, dy, dz), precision, &cubes)) {
+    LogMgr::get().tracef_debug("mesh %s: no voxels of %gx%gx%g, or too many", get_name(),
+                               static_cast<double>(dx), static_cast<double>(dy),
+                               static_cast<double>(dz));
+    return false;
+  }
 
   free_mesh_data();
   set_vertex_alloc_params_num_vertices(static_cast<unsigned int>(cubes.positions.size()));

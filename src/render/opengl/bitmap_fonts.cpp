@@ -61,7 +61,11 @@ bool RendererOpenGL::bitmap_font_create(FontData* font) {
   }
   bitmap_font_destroy(font);
   const GLuint base = core_.glGenLists(NUM_CHARACTERS);
-  if (base == 0) return false;
+  if (base == 0) {
+    LogMgr::get().tracef_debug("bitmap font \"%.127s\" - the driver gives no display lists",
+                               font->font_name);
+    return false;
+  }
   const float height = std::fabs(static_cast<float>(font->height));
   core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   bool drawn = true;
@@ -82,6 +86,7 @@ bool RendererOpenGL::bitmap_font_create(FontData* font) {
   }
   core_.glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
   if (!drawn) {
+    LogMgr::get().tracef_debug("bitmap font \"%.127s\" - a glyph cannot be drawn", font->font_name);
     core_.glDeleteLists(base, NUM_CHARACTERS);
     return false;
   }

@@ -71,7 +71,8 @@ bool RendererOpenGL::read_back_buffer_rgba(unsigned char* pixels) {
 
 bool RendererOpenGL::read_back_buffer_rect_rgba(unsigned char* pixels, int x, int y, int width,
                                                 int height) {
-  if (!pixels || width <= 0 || height <= 0 || !core_.glReadPixels) return false;
+  if (!pixels || width <= 0 || height <= 0 || lacks(core_.glReadPixels, "glReadPixels"))
+    return false;
   int alignment = 8;
   while (width % alignment != 0) alignment /= 2;
   core_.glPixelStorei(GL_PACK_ALIGNMENT, alignment);

@@ -64,7 +64,9 @@ GlCoreColorProgram* RendererOpenGL::core_color_program() {
     return gpu_shader_load(&program, type, text.c_str(), static_cast<unsigned int>(text.size()));
   };
   if (!load(GPU_SHADER_VERTEX, vertex) || !load(GPU_SHADER_PIXEL, pixel)) {
-    LogMgr::get().tracef_debug("program orv_core_color_prog does not compile");
+    const char* log = program.get_shader_info_log(GPU_SHADER_VERTEX);
+    if (!log) log = program.get_shader_info_log(GPU_SHADER_PIXEL);
+    LogMgr::get().tracef_debug("program orv_core_color_prog does not compile: %s", log ? log : "");
     return nullptr;
   }
   gl_.glBindAttribLocation(program.program_id, POSITION, "orvex_Position");

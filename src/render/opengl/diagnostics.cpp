@@ -58,7 +58,7 @@ void APIENTRY log_debug_message(GLenum source, GLenum type, GLuint, GLenum, GLsi
 // ---- debug output ----------------------------------------------------------------------------
 
 bool RendererOpenGL::debug_callback_set(void* user_callback, void* user_data) {
-  if (!gl_.glDebugMessageCallbackARB) return false;
+  if (lacks(gl_.glDebugMessageCallbackARB, "glDebugMessageCallbackARB")) return false;
   const auto callback =
       user_callback ? reinterpret_cast<GLDEBUGPROCARB>(user_callback) : log_debug_message;
   gl_.glDebugMessageCallbackARB(callback, user_data);
@@ -123,6 +123,11 @@ const char* RendererOpenGL::gl_error_to_string(unsigned int code) {
 void RendererOpenGL::swallow_gl_errors() { detail::swallow_gl_errors(find_questions()); }
 
 // ---- errors of the renderer ------------------------------------------------------------------
+
+void RendererOpenGL::report_lack(const char* name) const {
+  LogMgr::get().tracef_debug("OpenGL renderer - no %s: %s", name,
+                             is_started() ? "the context is without it" : "not started");
+}
 
 void RendererOpenGL::log_error(const char* format, ...) {
   std::va_list arguments;

@@ -30,7 +30,7 @@ struct RendererOpenGL::BlitSide {
 // ---- binding ----
 
 bool RendererOpenGL::framebuffer_bind(unsigned int id) {
-  if (!gl_.glBindFramebuffer) return false;
+  if (lacks(gl_.glBindFramebuffer, "glBindFramebuffer")) return false;
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, id);
   return true;
 }
@@ -116,7 +116,9 @@ bool RendererOpenGL::framebuffer_blit_rect_c(GpuRenderTarget* source, const int 
 
 bool RendererOpenGL::blit(const BlitSide& source, const BlitSide& target, bool color, bool depth,
                           bool linear) {
-  if (!gl_.glBlitFramebuffer || !gl_.glBindFramebuffer || source.fbo == target.fbo) return false;
+  if (lacks(gl_.glBlitFramebuffer, "glBlitFramebuffer") ||
+      lacks(gl_.glBindFramebuffer, "glBindFramebuffer") || source.fbo == target.fbo)
+    return false;
   if (color && (!source.has_attachment() || !target.has_attachment())) return false;
   const FramebufferBinding binding(this, target.fbo, source.fbo);
   if (color) blit_color(source, target, linear);

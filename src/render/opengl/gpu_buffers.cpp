@@ -1,4 +1,5 @@
 // Buffers kept in a GpuBufferData.
+#include <orv/core/log_mgr.h>
 #include <orv/gpu/gpu_buffer_data.h>
 
 #include <cstring>
@@ -73,7 +74,11 @@ bool RendererOpenGL::gpu_buffer_alloc(RendererGpu*, GpuBufferData* buffer, GPU_B
                                       const void* data) {
   if (!buffer) return false;
   if (buffer->buffer_id != 0) return true;
-  if (!has_buffer_target(type)) return false;
+  if (!has_buffer_target(type)) {
+    LogMgr::get().tracef_debug("GPU buffer of %u bytes: no buffers of type %d in this context",
+                               size, static_cast<int>(type));
+    return false;
+  }
   gl_.glGenBuffers(1, &buffer->buffer_id);
   buffer->renderer_id = getid();
   buffer->usage =
@@ -153,7 +158,11 @@ bool RendererOpenGL::gpu_buffer_alloc_uniform_buffer_v2(RendererGpu* gpu, GpuBuf
   if (!buffer || !program || block_index < 0) return false;
   const int size =
       gpu_program_get_uniform_block_size(program, nullptr, static_cast<unsigned int>(block_index));
-  if (size <= 0) return false;
+  if (size <= 0) {
+    LogMgr::get().tracef_debug("GPU program (%s): no uniform block %d to make a buffer for",
+                               program->gpu_program_name, block_index);
+    return false;
+  }
   if (!gpu_buffer_alloc(gpu, buffer, GPU_BUFFER_UNIFORM, usage, static_cast<unsigned int>(size),
                         data)) {
     return false;
@@ -194,8 +203,8 @@ bool RendererOpenGL::gpu_buffer_sub_data_read(GpuBufferData* buffer, unsigned in
 bool RendererOpenGL::gpu_buffer_copy(GpuBufferData* target, GpuBufferData* source,
                                      unsigned int source_offset, unsigned int offset,
                                      unsigned int size) {
-  if (!gl_.glCopyBufferSubData || !is_buffer_range(target, offset, size) ||
-      !is_buffer_range(source, source_offset, size)) {
+  if (lacks(gl_.glCopyBufferSubData, "glCopyBufferSubData") ||
+      !is_buffer_range(target, offset, size) || !is_buffer_range(source, source_offset, size)) {
     return false;
   }
   const bool overlap = target->buffer_id == source->buffer_id &&
@@ -264,7 +273,9 @@ bool has_binding_points(GPU_BUFFER_TYPE type) {
 }  // namespace
 
 bool RendererOpenGL::gpu_buffer_bind_base(GpuBufferData* buffer, int point) {
-  if (point < 0 || !gl_.glBindBufferBase || !is_buffer_range(buffer, 0, 0)) return false;
+  if (point < 0 || lacks(gl_.glBindBufferBase, "glBindBufferBase") ||
+      !is_buffer_range(buffer, 0, 0))
+    return false;
   if (!has_binding_points(buffer->type)) return false;
   gl_.glBindBufferBase(gl_buffer_target(buffer->type), static_cast<GLuint>(point),
                        buffer->buffer_id);
@@ -275,7 +286,8 @@ bool RendererOpenGL::gpu_buffer_bind_base(GpuBufferData* buffer, int point) {
 
 bool RendererOpenGL::gpu_buffer_bind_range(GpuBufferData* buffer, int point, unsigned int offset,
                                            unsigned int size) {
-  if (point < 0 || size == 0 || !gl_.glBindBufferRange || !is_buffer_range(buffer, offset, size)) {
+  if (point < 0 || size == 0 || lacks(gl_.glBindBufferRange, "glBindBufferRange") ||
+      !is_buffer_range(buffer, offset, size)) {
     return false;
   }
   if (!has_binding_points(buffer->type)) return false;
@@ -289,30 +301,46 @@ bool RendererOpenGL::gpu_buffer_bind_range(GpuBufferData* buffer, int point, uns
 
 // ---- mapping ----
 
+namespace {
+
+void report_unmapped(const GpuBufferData& buffer) {
+  LogMgr::get().tracef_debug("GPU buffer %u of %u bytes: the driver does not map it",
+                             buffer.buffer_id, buffer.size);
+}
+
+}  // namespace
+
 void* RendererOpenGL::gpu_buffer_map(GpuBufferData* buffer, const char* access) {
   const GLenum mode = gl_map_access(access);
-  if (mode == 0 || !gl_.glMapBuffer || !is_buffer_range(buffer, 0, 0)) return nullptr;
+  if (mode == 0 || lacks(gl_.glMapBuffer, "glMapBuffer") || !is_buffer_range(buffer, 0, 0))
+    return nullptr;
   if (buffer->mapped_ptr) return buffer->mapped_size == 0 ? buffer->mapped_ptr : nullptr;
   const BufferBinding binding(this, *buffer);
   buffer->mapped_ptr = gl_.glMapBuffer(binding.target(), mode);
   buffer->mapped_size = 0;
+  if (!buffer->mapped_ptr) report_unmapped(*buffer);
   return buffer->mapped_ptr;
 }
 
 void* RendererOpenGL::gpu_buffer_map_range(GpuBufferData* buffer, unsigned int offset,
                                            unsigned int size, const char* flags) {
-  if (size == 0 || !gl_.glMapBufferRange || !is_buffer_range(buffer, offset, size)) return nullptr;
+  if (size == 0 || lacks(gl_.glMapBufferRange, "glMapBufferRange") ||
+      !is_buffer_range(buffer, offset, size))
+    return nullptr;
   if (buffer->mapped_ptr) return nullptr;
   const BufferBinding binding(this, *buffer);
   buffer->mapped_ptr = gl_.glMapBufferRange(binding.target(), static_cast<GLintptr>(offset),
                                             static_cast<GLsizeiptr>(size), gl_map_bits(flags));
   buffer->mapped_size = buffer->mapped_ptr ? size : 0u;
+  if (!buffer->mapped_ptr) report_unmapped(*buffer);
   return buffer->mapped_ptr;
 }
 
 bool RendererOpenGL::gpu_buffer_flush_range(GpuBufferData* buffer, unsigned int offset,
                                             unsigned int size) {
-  if (!gl_.glFlushMappedBufferRange || !is_buffer_range(buffer, offset, size)) return false;
+  if (lacks(gl_.glFlushMappedBufferRange, "glFlushMappedBufferRange") ||
+      !is_buffer_range(buffer, offset, size))
+    return false;
   buffer->mapped_ptr = nullptr;
   buffer->mapped_size = 0;
   const BufferBinding binding(this, *buffer);
@@ -322,7 +350,7 @@ bool RendererOpenGL::gpu_buffer_flush_range(GpuBufferData* buffer, unsigned int 
 }
 
 bool RendererOpenGL::gpu_buffer_unmap(GpuBufferData* buffer) {
-  if (!gl_.glUnmapBuffer || !is_buffer_range(buffer, 0, 0)) return false;
+  if (lacks(gl_.glUnmapBuffer, "glUnmapBuffer") || !is_buffer_range(buffer, 0, 0)) return false;
   buffer->mapped_ptr = nullptr;
   buffer->mapped_size = 0;
   const BufferBinding binding(this, *buffer);

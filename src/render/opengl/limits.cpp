@@ -211,7 +211,7 @@ bool RendererOpenGL::read_capability(RendererCapability* record) {
   if (!core_.glGetIntegerv) return false;
   int values[4] = {};
   if (record->indexed) {
-    if (!gl_.glGetIntegeri_v) return false;
+    if (lacks(gl_.glGetIntegeri_v, "glGetIntegeri_v")) return false;
     for (unsigned int i = 0; i < record->num_indexed && i < 4; ++i) {
       gl_.glGetIntegeri_v(record->gl_enum, i, &values[i]);
     }

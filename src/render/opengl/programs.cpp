@@ -30,6 +30,12 @@ int attrib_number(const char* name) {
   return number < 1024 ? static_cast<int>(number) : -1;
 }
 
+/// A fault of which the driver tells nothing.
+void report_silent_fault(const GpuProgramData& program, const char* fault) {
+  LogMgr::get().tracef_debug("GPU program (%s): %s, and the driver does not say why",
+                             program.gpu_program_name, fault);
+}
+
 /// Slot that holds this name with a location, or null.
 const GpuProgramVertexAttrib* find_slot(const GpuProgramData& program, const char* name) {
   for (const GpuProgramVertexAttrib& slot : program.vertex_attribs) {
@@ -117,7 +123,7 @@ void RendererOpenGL::delete_program_object(GpuProgramData* program) {
 }
 
 bool RendererOpenGL::gpu_program_attach_shaders(GpuProgramData* program) {
-  if (!program || !gl_.glCreateProgram) return false;
+  if (!program || lacks(gl_.glCreateProgram, "glCreateProgram")) return false;
   if (program->program_id != 0) delete_program_object(program);
   if (!create_program_object(program)) return false;
   for (int stage = 0; stage < NUM_GL_STAGES; ++stage) {
@@ -151,7 +157,10 @@ unsigned int RendererOpenGL::compile_shader(GPU_SHADER_TYPE type, const char* te
                                             unsigned int size, bool* compiled) {
   const GLuint shader = gl_.glCreateShader(gl_shader_stage(type));
   *compiled = false;
-  if (shader == 0) return 0;
+  if (shader == 0) {
+    LogMgr::get().trace_debug("OpenGL renderer - the driver gives no shader object");
+    return 0;
+  }
   const auto length = static_cast<GLint>(std::min<std::size_t>(strnlen(text, size), 0x7FFFFFFF));
   gl_.glShaderSource(shader, 1, &text, &length);
   gl_.glCompileShader(shader);
@@ -163,7 +172,8 @@ unsigned int RendererOpenGL::compile_shader(GPU_SHADER_TYPE type, const char* te
 
 bool RendererOpenGL::gpu_shader_load(GpuProgramData* program, GPU_SHADER_TYPE type,
                                      const char* text, unsigned int size) {
-  if (!program || !text || size == 0 || gl_shader_stage(type) == 0 || !gl_.glCreateShader) {
+  if (!program || !text || size == 0 || gl_shader_stage(type) == 0 ||
+      lacks(gl_.glCreateShader, "glCreateShader")) {
     return false;
   }
   if (!gl_.glIsProgram(program->program_id)) {
@@ -188,6 +198,7 @@ bool RendererOpenGL::gpu_shader_load(GpuProgramData* program, GPU_SHADER_TYPE ty
   if (compiled) {
     program->linked = false;
   } else {
+    if (log.empty()) report_silent_fault(*program, "a shader does not compile");
     failed_shaders_[program->program_id].push_back(program->shader_id[type]);
     program->shader_id[type] = 0;
   }
@@ -201,7 +212,8 @@ bool RendererOpenGL::gpu_shader_load_v2(GpuProgramData* program, GPU_SHADER_TYPE
 
 bool RendererOpenGL::gpu_shader_check_compile(GPU_SHADER_TYPE type, const char* text, char* log,
                                               unsigned int log_size) {
-  if (!text || gl_shader_stage(type) == 0 || !gl_.glCreateShader) return false;
+  if (!text || gl_shader_stage(type) == 0 || lacks(gl_.glCreateShader, "glCreateShader"))
+    return false;
   bool compiled = false;
   const unsigned int shader = compile_shader(type, text, static_cast<unsigned int>(-1), &compiled);
   if (shader == 0) return false;
@@ -221,7 +233,8 @@ bool RendererOpenGL::gpu_shader_check_compile(GPU_SHADER_TYPE type, const char* 
 
 bool RendererOpenGL::gpu_shader_reload(GpuProgramData* program, GPU_SHADER_TYPE type,
                                        const char* text, unsigned int size) {
-  if (!program || !text || size == 0 || gl_shader_stage(type) == 0 || !gl_.glCreateShader) {
+  if (!program || !text || size == 0 || gl_shader_stage(type) == 0 ||
+      lacks(gl_.glCreateShader, "glCreateShader")) {
     return false;
   }
   bool compiled = false;
@@ -230,6 +243,9 @@ bool RendererOpenGL::gpu_shader_reload(GpuProgramData* program, GPU_SHADER_TYPE 
   if (!compiled) {
     const std::string& log = read_shader_log(shader);
     program->set_shader_info_log(type, log.c_str(), static_cast<unsigned int>(log.size()));
+    LogMgr::get().tracef_debug(
+        "GPU program (%s) keeps its shader, the new one does not compile: %s",
+        program->gpu_program_name, log.c_str());
     gl_.glDeleteShader(shader);
     return false;
   }
@@ -244,7 +260,7 @@ bool RendererOpenGL::gpu_shader_reload(GpuProgramData* program, GPU_SHADER_TYPE 
 }
 
 bool RendererOpenGL::set_max_shader_compiler_threads(unsigned int count) {
-  if (!gl_.glMaxShaderCompilerThreadsARB) return false;
+  if (lacks(gl_.glMaxShaderCompilerThreadsARB, "glMaxShaderCompilerThreadsARB")) return false;
   gl_.glMaxShaderCompilerThreadsARB(count);
   return true;
 }
@@ -254,7 +270,7 @@ bool RendererOpenGL::set_max_shader_compiler_threads(unsigned int count) {
 bool RendererOpenGL::gpu_program_link(GpuProgramData* program) {
   if (!program) return false;
   if (program->linked) return true;
-  if (program->program_id == 0 || !gl_.glLinkProgram) return false;
+  if (program->program_id == 0 || lacks(gl_.glLinkProgram, "glLinkProgram")) return false;
   gl_.glLinkProgram(program->program_id);
   GLint status = GL_FALSE;
   gl_.glGetProgramiv(program->program_id, GL_LINK_STATUS, &status);
@@ -269,6 +285,8 @@ bool RendererOpenGL::gpu_program_link(GpuProgramData* program) {
     program->set_info_log(log.c_str(), static_cast<unsigned int>(log.size()));
     LogMgr::get().tracef_warning("GPU program (%s) linking info log - %s",
                                  program->gpu_program_name, log.c_str());
+  } else if (!program->linked) {
+    report_silent_fault(*program, "it does not link");
   }
   return program->linked;
 }
@@ -283,10 +301,15 @@ bool RendererOpenGL::has_link(const GpuProgramData* program) const {
 }
 
 bool RendererOpenGL::gpu_program_validate(GpuProgramData* program) {
-  if (!program || program->program_id == 0 || !gl_.glValidateProgram) return false;
+  if (!program || program->program_id == 0 || lacks(gl_.glValidateProgram, "glValidateProgram"))
+    return false;
   gl_.glValidateProgram(program->program_id);
   GLint status = GL_FALSE;
   gl_.glGetProgramiv(program->program_id, GL_VALIDATE_STATUS, &status);
+  if (status != 1) {
+    LogMgr::get().tracef_debug("GPU program (%s) is not valid in the present state",
+                               program->gpu_program_name);
+  }
   return status == 1;
 }
 
@@ -461,7 +484,7 @@ bool RendererOpenGL::gpu_program_dispatch_compute(GpuProgramData* program, unsig
                                                   unsigned int y, unsigned int z) {
   if (!program) return false;
   gpu_program_apply_uniforms(program);
-  if (!gl_.glDispatchCompute) return false;
+  if (lacks(gl_.glDispatchCompute, "glDispatchCompute")) return false;
   gl_.glDispatchCompute(x, y, z);
   return true;
 }

@@ -11,7 +11,7 @@ using namespace detail;
 // ---- barriers ----
 
 bool RendererOpenGL::memory_barrier(unsigned int bits) {
-  if (!gl_.glMemoryBarrier) return false;
+  if (lacks(gl_.glMemoryBarrier, "glMemoryBarrier")) return false;
   gl_.glMemoryBarrier(bits);
   return true;
 }
@@ -49,19 +49,19 @@ unsigned int RendererOpenGL::query_create() {
 }
 
 bool RendererOpenGL::query_delete(unsigned int id) {
-  if (id == 0 || !gl_.glDeleteQueries) return false;
+  if (id == 0 || lacks(gl_.glDeleteQueries, "glDeleteQueries")) return false;
   gl_.glDeleteQueries(1, &id);
   return true;
 }
 
 bool RendererOpenGL::begin_query(unsigned int target, unsigned int id) {
-  if (target == 0 || id == 0 || !gl_.glBeginQuery) return false;
+  if (target == 0 || id == 0 || lacks(gl_.glBeginQuery, "glBeginQuery")) return false;
   gl_.glBeginQuery(target, id);
   return true;
 }
 
 bool RendererOpenGL::end_query(unsigned int target) {
-  if (target == 0 || !gl_.glEndQuery) return false;
+  if (target == 0 || lacks(gl_.glEndQuery, "glEndQuery")) return false;
   gl_.glEndQuery(target);
   return true;
 }
@@ -75,13 +75,13 @@ bool RendererOpenGL::query_end(const char* target) {
 }
 
 bool RendererOpenGL::query_get_result(unsigned int id, unsigned int* result) {
-  if (id == 0 || !result || !gl_.glGetQueryObjectuiv) return false;
+  if (id == 0 || !result || lacks(gl_.glGetQueryObjectuiv, "glGetQueryObjectuiv")) return false;
   gl_.glGetQueryObjectuiv(id, GL_QUERY_RESULT, result);
   return true;
 }
 
 bool RendererOpenGL::query_is_available(unsigned int id) {
-  if (id == 0 || !gl_.glGetQueryObjectuiv) return false;
+  if (id == 0 || lacks(gl_.glGetQueryObjectuiv, "glGetQueryObjectuiv")) return false;
   GLuint available = GL_FALSE;
   gl_.glGetQueryObjectuiv(id, GL_QUERY_RESULT_AVAILABLE, &available);
   return available != GL_FALSE;

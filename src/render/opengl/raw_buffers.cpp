@@ -25,7 +25,8 @@ unsigned int RendererOpenGL::overridden_usage(GPU_BUFFER_TYPE type, unsigned int
 }
 
 bool RendererOpenGL::has_buffer_target(GPU_BUFFER_TYPE type) const {
-  if (!gl_.glGenBuffers || !gl_.glBindBuffer) return false;
+  if (lacks(gl_.glGenBuffers, "glGenBuffers") || lacks(gl_.glBindBuffer, "glBindBuffer"))
+    return false;
   switch (type) {
     case GPU_BUFFER_ARRAY:
     case GPU_BUFFER_ELEMENT_ARRAY:
@@ -61,14 +62,14 @@ unsigned int RendererOpenGL::raw_buffer_create(GPU_BUFFER_TYPE type, unsigned in
 }
 
 bool RendererOpenGL::raw_buffer_destroy(unsigned int id) {
-  if (id == 0 || !gl_.glDeleteBuffers) return false;
+  if (id == 0 || lacks(gl_.glDeleteBuffers, "glDeleteBuffers")) return false;
   forget_buffer(id);
   gl_.glDeleteBuffers(1, &id);
   return true;
 }
 
 void* RendererOpenGL::raw_buffer_map(unsigned int target, unsigned int id, unsigned int access) {
-  if (id == 0 || !gl_.glMapBuffer) return nullptr;
+  if (id == 0 || lacks(gl_.glMapBuffer, "glMapBuffer")) return nullptr;
   gl_.glBindBuffer(target, id);
   void* pointer = gl_.glMapBuffer(target, access);
   gl_.glBindBuffer(target, 0);
@@ -76,7 +77,7 @@ void* RendererOpenGL::raw_buffer_map(unsigned int target, unsigned int id, unsig
 }
 
 bool RendererOpenGL::raw_buffer_unmap(unsigned int target, unsigned int id) {
-  if (id == 0 || !gl_.glUnmapBuffer) return false;
+  if (id == 0 || lacks(gl_.glUnmapBuffer, "glUnmapBuffer")) return false;
   gl_.glBindBuffer(target, id);
   const bool intact = gl_.glUnmapBuffer(target) != GL_FALSE;
   gl_.glBindBuffer(target, 0);
@@ -93,7 +94,7 @@ bool RendererOpenGL::vertex_buffer_destroy(unsigned int id) { return raw_buffer_
 
 bool RendererOpenGL::vertex_buffer_set_data(unsigned int id, unsigned int offset, unsigned int size,
                                             const void* data) {
-  if (id == 0 || !data || !gl_.glBufferSubData) return false;
+  if (id == 0 || !data || lacks(gl_.glBufferSubData, "glBufferSubData")) return false;
   gl_.glBindBuffer(GL_ARRAY_BUFFER, id);
   int available = 0;
   gl_.glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &available);
@@ -139,7 +140,8 @@ void* RendererOpenGL::storage_buffer_map(unsigned int id, DATA_ACCESS_TYPE acces
 
 void* RendererOpenGL::storage_buffer_map_range(unsigned int id, unsigned int offset,
                                                unsigned int size, unsigned int bits) {
-  if (id == 0 || !gl_.glMapBufferRange || !has_buffer_target(GPU_BUFFER_SHADER_STORAGE)) {
+  if (id == 0 || lacks(gl_.glMapBufferRange, "glMapBufferRange") ||
+      !has_buffer_target(GPU_BUFFER_SHADER_STORAGE)) {
     return nullptr;
   }
   gl_.glBindBuffer(GL_SHADER_STORAGE_BUFFER, id);
@@ -161,7 +163,9 @@ bool RendererOpenGL::storage_buffer_bind(unsigned int id) {
 }
 
 bool RendererOpenGL::storage_buffer_bind_base(unsigned int id, unsigned int index) {
-  if (!gl_.glBindBufferBase || !has_buffer_target(GPU_BUFFER_SHADER_STORAGE)) return false;
+  if (lacks(gl_.glBindBufferBase, "glBindBufferBase") ||
+      !has_buffer_target(GPU_BUFFER_SHADER_STORAGE))
+    return false;
   gl_.glBindBufferBase(GL_SHADER_STORAGE_BUFFER, index, id);
   return true;
 }

@@ -12,7 +12,9 @@ using namespace detail;
 // ---- drawing ----
 
 bool RendererOpenGL::gpu_render_target_bind(GpuRenderTarget* target) {
-  if (!target || !gl_.glBindFramebuffer || !gl_.glGenFramebuffers) return false;
+  if (!target || lacks(gl_.glBindFramebuffer, "glBindFramebuffer") ||
+      lacks(gl_.glGenFramebuffers, "glGenFramebuffers"))
+    return false;
   if (target->gl.fbo == 0) gl_.glGenFramebuffers(1, &target->gl.fbo);
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, target->gl.fbo);
   return true;
@@ -22,7 +24,9 @@ bool RendererOpenGL::gpu_render_target_unbind(GpuRenderTarget*) { return framebu
 
 bool RendererOpenGL::gpu_render_target_set_array_layer(GpuRenderTarget* target,
                                                        unsigned int layer) {
-  if (!target || !gl_.glFramebufferTextureLayer || target->gl.fbo == 0) return false;
+  if (!target || lacks(gl_.glFramebufferTextureLayer, "glFramebufferTextureLayer") ||
+      target->gl.fbo == 0)
+    return false;
   const unsigned int id = target->gl.color_textures[0];
   if (id == 0 || target->gl.target != GL_TEXTURE_2D_ARRAY) return false;
   if (0ll + layer >= read_integer(GL_MAX_ARRAY_TEXTURE_LAYERS)) return false;
@@ -33,7 +37,8 @@ bool RendererOpenGL::gpu_render_target_set_array_layer(GpuRenderTarget* target,
 }
 
 bool RendererOpenGL::gpu_render_target_set_cube_face(GpuRenderTarget* target, CUBEMAP_FACE face) {
-  if (!target || !gl_.glFramebufferTexture2D || target->gl.fbo == 0) return false;
+  if (!target || lacks(gl_.glFramebufferTexture2D, "glFramebufferTexture2D") || target->gl.fbo == 0)
+    return false;
   const int index = static_cast<int>(face);
   if (index < 0 || index > 5 || target->gl.color_cube_texture == 0) return false;
   const FramebufferBinding binding(this, target->gl.fbo, read_framebuffer());
@@ -49,20 +54,23 @@ bool RendererOpenGL::gpu_render_target_set_cube_face(GpuRenderTarget* target, CU
 
 bool RendererOpenGL::gpu_render_target_clear_color(unsigned int index, float r, float g, float b,
                                                    float a) {
-  if (!gl_.glClearBufferfv || index >= GpuRenderTargetDataGL::MAX_COLOR_TARGETS) return false;
+  if (lacks(gl_.glClearBufferfv, "glClearBufferfv") ||
+      index >= GpuRenderTargetDataGL::MAX_COLOR_TARGETS)
+    return false;
   const float color[4] = {r, g, b, a};
   gl_.glClearBufferfv(GL_COLOR, static_cast<GLint>(index), color);
   return true;
 }
 
 bool RendererOpenGL::gpu_render_target_clear_depth(float depth) {
-  if (!gl_.glClearBufferfv) return false;
+  if (lacks(gl_.glClearBufferfv, "glClearBufferfv")) return false;
   gl_.glClearBufferfv(GL_DEPTH, 0, &depth);
   return true;
 }
 
 bool RendererOpenGL::gpu_render_target_apply_cmaa() {
-  if (!gl_.glApplyFramebufferAttachmentCMAAINTEL) return false;
+  if (lacks(gl_.glApplyFramebufferAttachmentCMAAINTEL, "glApplyFramebufferAttachmentCMAAINTEL"))
+    return false;
   gl_.glApplyFramebufferAttachmentCMAAINTEL();
   return true;
 }
@@ -107,7 +115,8 @@ bool RendererOpenGL::gpu_render_target_read_rgba_u8(GpuRenderTarget* target,
 
 bool RendererOpenGL::read_target(GpuRenderTarget* target, unsigned char* pixels,
                                  unsigned int format) {
-  if (!target || !pixels || !core_.glGetTexImage || units_.bound.empty()) return false;
+  if (!target || !pixels || lacks(core_.glGetTexImage, "glGetTexImage") || units_.bound.empty())
+    return false;
   const GLenum gl_target = target->gl.target;
   const GLuint id = target->gl.color_textures[0];
   const bool is_flat = gl_target == GL_TEXTURE_2D || gl_target == GL_TEXTURE_RECTANGLE;

@@ -62,7 +62,8 @@ int RendererOpenGL::limit_samples(int samples, bool as_texture, bool integer) {
 // ---- creation ----
 
 bool RendererOpenGL::begin_target(GpuRenderTarget* target, const TargetOptions& options) {
-  if (!target || !gl_.glGenFramebuffers || !gl_.glCheckFramebufferStatus || units_.bound.empty()) {
+  if (!target || lacks(gl_.glGenFramebuffers, "glGenFramebuffers") ||
+      lacks(gl_.glCheckFramebufferStatus, "glCheckFramebufferStatus") || units_.bound.empty()) {
     return false;
   }
   if (options.width <= 0 || options.height <= 0 || options.width > max_texture_size_ ||
@@ -190,7 +191,7 @@ bool RendererOpenGL::gpu_render_target_init_rect(RendererGpu*, GpuRenderTarget* 
                                                  int height, PIXEL_FORMAT format,
                                                  unsigned int num_color, bool depth_as_renderbuffer,
                                                  bool linear_filtering, bool clamp, int) {
-  if (!has_texture_target(GL_TEXTURE_RECTANGLE)) return false;
+  if (lacks(has_texture_target(GL_TEXTURE_RECTANGLE), "rectangle textures")) return false;
   // Rectangles have no samples.
   return init_texture_target(target, {GL_TEXTURE_RECTANGLE, width, height, 0, format, num_color,
                                       depth_as_renderbuffer, linear_filtering, clamp});
@@ -214,7 +215,7 @@ bool RendererOpenGL::gpu_render_target_init_depth_2d(RendererGpu*, GpuRenderTarg
 bool RendererOpenGL::gpu_render_target_init_depth_rect(RendererGpu*, GpuRenderTarget* target,
                                                        int width, int height, bool linear_filtering,
                                                        bool clamp) {
-  if (!has_texture_target(GL_TEXTURE_RECTANGLE)) return false;
+  if (lacks(has_texture_target(GL_TEXTURE_RECTANGLE), "rectangle textures")) return false;
   return init_texture_target(target, TargetOptions::depth_only(GL_TEXTURE_RECTANGLE, width, height,
                                                                linear_filtering, clamp));
 }
@@ -224,7 +225,9 @@ bool RendererOpenGL::gpu_render_target_init_2d_array(RendererGpu*, GpuRenderTarg
                                                      bool depth_as_renderbuffer, int width,
                                                      int height, PIXEL_FORMAT format, int,
                                                      bool linear_filtering, bool clamp) {
-  if (!target || layers == 0 || !gl_.glTexImage3D || !gl_.glFramebufferTextureLayer) return false;
+  if (!target || layers == 0 || lacks(gl_.glTexImage3D, "glTexImage3D") ||
+      lacks(gl_.glFramebufferTextureLayer, "glFramebufferTextureLayer"))
+    return false;
   const int limit = read_integer(GL_MAX_ARRAY_TEXTURE_LAYERS);
   if (static_cast<long long>(layers) > limit) {
     LogMgr::get().tracef_warning("number of layers limited to %d", limit);
@@ -264,8 +267,14 @@ bool RendererOpenGL::gpu_render_target_init_rb(RendererGpu*, GpuRenderTarget* ta
 // ---- new size ----
 
 bool RendererOpenGL::gpu_render_target_resize(GpuRenderTarget* target, int width, int height) {
-  if (!target || width <= 0 || height <= 0 || !gl_.glGenFramebuffers) return false;
-  if (width > max_texture_size_ || height > max_texture_size_) return false;
+  if (!target || width <= 0 || height <= 0 || lacks(gl_.glGenFramebuffers, "glGenFramebuffers"))
+    return false;
+  if (width > max_texture_size_ || height > max_texture_size_) {
+    LogMgr::get().tracef_debug("GPU render target %d not resized: %dx%d, at most %dx%d",
+                               target->getid(), width, height, max_texture_size_,
+                               max_texture_size_);
+    return false;
+  }
   GpuRenderTargetDataGL& data = target->gl;
   if (data.is_cube && width != height) return false;
   target->width = width;

@@ -163,6 +163,14 @@ class RendererOpenGL : public Renderer {
   // ---- diagnostics.cpp ----
   /// Formats into the error buffer and logs "OpenGL renderer - ..." as an error.
   void log_error(const char* format, ...) ORV_PRINTF_LIKE(2, 3);
+  /// Whether the context is without a function, which an operation then says in the log.
+  template <class Function>
+  bool lacks(Function function, const char* name) const {
+    if (function) return false;
+    report_lack(name);
+    return true;
+  }
+  void report_lack(const char* name) const;
   /// Takes pending errors away, such as those that questions to older drivers raise.
   void swallow_gl_errors();
   const char* get_gl_text(unsigned int name);

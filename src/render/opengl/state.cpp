@@ -225,7 +225,7 @@ void RendererOpenGL::draw_triangles(unsigned int count, unsigned int first) {
 }
 
 bool RendererOpenGL::set_patch_vertices(int num_vertices) {
-  if (!gl_.glPatchParameteri || num_vertices < 1) return false;
+  if (lacks(gl_.glPatchParameteri, "glPatchParameteri") || num_vertices < 1) return false;
   int maximum = 0;
   core_.glGetIntegerv(GL_MAX_PATCH_VERTICES, &maximum);
   if (maximum < 1) return false;

@@ -115,6 +115,8 @@ bool RendererOpenGL::texture_load_2d_array(RendererGpu*, TextureData* texture, u
   if (!texture || texture->type != TEXTURE_2D_ARRAY) return false;
   if (texture->loaded_in_gpu_memory) return true;
   if (!gl_.glTexImage3D || !gl_.glTexSubImage3D || !has_texture_target(GL_TEXTURE_2D_ARRAY)) {
+    LogMgr::get().tracef_debug("texture %s not loaded: no texture arrays in this context",
+                               texture->texture_name);
     return false;
   }
   const Image* layer = texture->get_layer_image_ptr(0);
@@ -141,7 +143,7 @@ bool RendererOpenGL::texture_load_2d_array(RendererGpu*, TextureData* texture, u
 // ---- the road of all types ----
 
 bool RendererOpenGL::load_texture(TextureData* texture, unsigned int unit) {
-  if (!core_.glGenTextures || units_.bound.empty()) return false;
+  if (lacks(core_.glGenTextures, "glGenTextures") || units_.bound.empty()) return false;
   const Image& image = texture->get_main_image();
   const GlPixelFormat format = gl_texture_format(image.pixel_format);
   // A texture without pixels is a surface to be filled later, one with too few is a mistake.
@@ -155,7 +157,11 @@ bool RendererOpenGL::load_texture(TextureData* texture, unsigned int unit) {
   delete_texture_id(&texture->gl_texture_id);
 
   core_.glGenTextures(1, &texture->gl_texture_id);
-  if (texture->gl_texture_id == 0) return false;
+  if (texture->gl_texture_id == 0) {
+    LogMgr::get().tracef_debug("texture %s not loaded: the driver gives no texture object",
+                               texture->texture_name);
+    return false;
+  }
   const unsigned int last_unit = static_cast<unsigned int>(units_.bound.size() - 1);
   bind_texture(std::min(unit, last_unit), gl_texture_target(texture->type), texture->gl_texture_id);
   texture->renderer_id = getid();

@@ -69,7 +69,7 @@ bool RendererOpenGL::create_texture_by_id(unsigned int* id, unsigned int target,
                                           int height, PIXEL_FORMAT format, const void* pixels,
                                           SAMPLER_FILTERING_MODE filtering,
                                           SAMPLER_ADDRESSING_MODE addressing) {
-  if (!id || !core_.glGenTextures) return false;
+  if (!id || lacks(core_.glGenTextures, "glGenTextures")) return false;
   if (width > max_texture_size_ || height > max_texture_size_) {
     log_error("gl_texture_2d_create - 2D texture loading failed (texture size must be <= %dx%d)",
               max_texture_size_, max_texture_size_);
@@ -101,7 +101,9 @@ bool RendererOpenGL::create_texture_by_id(unsigned int* id, unsigned int target,
 
 bool RendererOpenGL::texture_make_handle_resident(TextureData* texture) {
   if (!texture || texture->gl_texture_id == 0) return false;
-  if (!gl_.glGetTextureHandleARB || !gl_.glMakeTextureHandleResidentARB) return false;
+  if (lacks(gl_.glGetTextureHandleARB, "glGetTextureHandleARB") ||
+      lacks(gl_.glMakeTextureHandleResidentARB, "glMakeTextureHandleResidentARB"))
+    return false;
   if (texture->gl_handle_resident) return true;
   texture->gl_texture_handle = gl_.glGetTextureHandleARB(texture->gl_texture_id);
   if (texture->gl_texture_handle == 0) return false;
@@ -111,7 +113,8 @@ bool RendererOpenGL::texture_make_handle_resident(TextureData* texture) {
 }
 
 bool RendererOpenGL::texture_make_handle_non_resident(TextureData* texture) {
-  if (!texture || !gl_.glMakeTextureHandleNonResidentARB) return false;
+  if (!texture || lacks(gl_.glMakeTextureHandleNonResidentARB, "glMakeTextureHandleNonResidentARB"))
+    return false;
   if (!texture->gl_handle_resident) return false;
   gl_.glMakeTextureHandleNonResidentARB(texture->gl_texture_handle);
   texture->gl_handle_resident = false;

@@ -162,7 +162,7 @@ void RendererOpenGL::clear_image_unit(unsigned int unit) {
 
 bool RendererOpenGL::texture_bind_image(TextureData* texture, unsigned int unit,
                                         DATA_ACCESS_TYPE access) {
-  if (!gl_.glBindImageTexture) return false;
+  if (lacks(gl_.glBindImageTexture, "glBindImageTexture")) return false;
   if (!texture) {
     clear_image_unit(unit);
     return true;

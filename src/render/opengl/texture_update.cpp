@@ -175,7 +175,9 @@ bool RendererOpenGL::read_texture(TextureData* texture, TEXTURE_TYPE type) {
   // Pixels that a codec holds are not ours to write.
   void* store = image.u8_ptr;
   if (format.type == GL_FLOAT) store = image.f32_ptr;
-  if (!core_.glGetTexImage || !format.is_valid() || !store || !upload_pixels(image)) return false;
+  if (lacks(core_.glGetTexImage, "glGetTexImage") || !format.is_valid() || !store ||
+      !upload_pixels(image))
+    return false;
   const GLenum target = gl_texture_target(type);
   const TextureBinding binding(this, target, texture->gl_texture_id);
   GLint width = 0;

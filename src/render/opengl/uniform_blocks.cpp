@@ -28,7 +28,9 @@ int RendererOpenGL::gpu_program_get_uniform_block_size(GpuProgramData* program, 
 bool RendererOpenGL::gpu_program_set_uniform_block_binding(GpuProgramData* program,
                                                            unsigned int block,
                                                            unsigned int binding) {
-  if (!gl_.glUniformBlockBinding || block == GL_INVALID_INDEX || !has_link(program)) return false;
+  if (lacks(gl_.glUniformBlockBinding, "glUniformBlockBinding") || block == GL_INVALID_INDEX ||
+      !has_link(program))
+    return false;
   gl_.glUniformBlockBinding(program->program_id, block, binding);
   return true;
 }
@@ -63,8 +65,8 @@ bool RendererOpenGL::read_active_uniforms(GpuProgramData* program, const char** 
 bool RendererOpenGL::gpu_program_get_uniform_size_and_offset(GpuProgramData* program,
                                                              const char** names, unsigned int count,
                                                              int* sizes, int* offsets) {
-  if (!names || count == 0 || !gl_.glGetUniformIndices || !gl_.glGetActiveUniformsiv ||
-      !has_link(program)) {
+  if (!names || count == 0 || lacks(gl_.glGetUniformIndices, "glGetUniformIndices") ||
+      lacks(gl_.glGetActiveUniformsiv, "glGetActiveUniformsiv") || !has_link(program)) {
     return false;
   }
   bool found = true;
@@ -78,8 +80,8 @@ bool RendererOpenGL::gpu_program_get_uniform_size_and_offset(GpuProgramData* pro
 bool RendererOpenGL::gpu_program_get_uniform_array_stride(GpuProgramData* program,
                                                           const char** names, unsigned int count,
                                                           int* strides) {
-  if (!names || !strides || count == 0 || !gl_.glGetUniformIndices || !gl_.glGetActiveUniformsiv ||
-      !has_link(program)) {
+  if (!names || !strides || count == 0 || lacks(gl_.glGetUniformIndices, "glGetUniformIndices") ||
+      lacks(gl_.glGetActiveUniformsiv, "glGetActiveUniformsiv") || !has_link(program)) {
     return false;
   }
   return read_active_uniforms(program, names, count, GL_UNIFORM_ARRAY_STRIDE, -1, strides);
@@ -94,7 +96,8 @@ unsigned int RendererOpenGL::gpu_program_get_shader_storage_block_index(GpuProgr
 bool RendererOpenGL::gpu_program_set_shader_storage_block_binding(GpuProgramData* program,
                                                                   unsigned int block,
                                                                   unsigned int binding) {
-  if (!gl_.glShaderStorageBlockBinding || block == GL_INVALID_INDEX || !has_link(program)) {
+  if (lacks(gl_.glShaderStorageBlockBinding, "glShaderStorageBlockBinding") ||
+      block == GL_INVALID_INDEX || !has_link(program)) {
     return false;
   }
   gl_.glShaderStorageBlockBinding(program->program_id, block, binding);
