@@ -22,6 +22,17 @@ Shape* make_shape(const vec4& position, Parameters... parameters) {
 
 }  // namespace
 
+orv_app::Orbit DemoScene::make_orbit() {
+  orv_app::Orbit::Setup setup;
+  setup.target = vec4(0.1f, 0.85f, 0.0f, 1.0f);
+  setup.yaw = 33.0f;
+  setup.pitch = 14.0f;
+  setup.distance = 7.0f;
+  setup.pitches = {2.0f, 85.0f};
+  setup.distances = {2.5f, 20.0f};
+  return orv_app::Orbit(setup);
+}
+
 bool DemoScene::create(orv::Renderer* renderer, const std::string& data_dir, std::string* reason) {
   auto* programs = orv::GpuProgramMgr::get();
   const std::string shaders = data_dir + "shaders/";

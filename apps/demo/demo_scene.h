@@ -5,12 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "common/orbit.h"
+
 namespace demo {
 
 /// What the demo shows: a textured model among generated shapes on a checkered floor, lit per pixel
 /// with shadows, and a screen that shows what a second camera sees.
 class DemoScene {
  public:
+  /// The point of view that the scene is arranged for.
+  static orv_app::Orbit make_orbit();
+
   /// Loads and builds everything. False with a reason when something is missing.
   bool create(orv::Renderer* renderer, const std::string& data_dir, std::string* reason);
   /// Draws one frame into the bound framebuffer's rectangle (0, 0, width, height).

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "common/desktop_window.h"
 #include "common/png_writer.h"
 #include "demo_scene.h"
-#include "desktop_window.h"
-#include "orbit.h"
+#include "demo_window.h"
 
 namespace {
 
@@ -59,7 +59,7 @@ bool render_picture(orv::Renderer* renderer, const Options& options) {
   bool done = scene.create(renderer, DEMO_DATA_DIR, &reason);
   if (done) {
     orv::Camera camera;
-    demo::Orbit().place(camera);
+    demo::DemoScene::make_orbit().place(camera);
     scene.draw(renderer, camera, width, height);
     std::vector<unsigned char> pixels(std::size_t{width} * height * 4);
     renderer->read_back_buffer_rect_rgba(pixels.data(), 0, 0, width, height);
@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
   orv::Renderer* renderer = orv::Kernel::get()->load_core_opengl_renderer_plugin(true);
   renderer->initialize();
   const bool done = render_picture(renderer, options);
-  if (done && !options.headless && demo::has_display()) {
+  if (done && !options.headless && orv_app::has_display()) {
     demo::run_in_window(renderer, DEMO_DATA_DIR);
   }
   orv::core::stop(nullptr);

@@ -1,12 +1,8 @@
 #pragma once
 
-#include "demo_scene.h"
-#include "orbit.h"
+#include <orv/fwd.h>
 
 namespace demo {
-
-/// Whether a window can be opened here.
-bool has_display();
 
 /// Opens a window and draws the scene in it until it is closed or Escape is pressed. The mouse
 /// orbits with the left button held, the wheel zooms. False when no window could be opened.
