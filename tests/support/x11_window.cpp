@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <GL/glx.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
@@ -40,6 +41,18 @@ X11Display::~X11Display() {
 }
 
 void X11Display::sync() { XSync(x(display_), False); }
+
+void X11Display::set_resources(const std::string& text) {
+  auto* display = static_cast<Display*>(display_);
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text.c_str());
+  if (text.empty()) {
+    XDeleteProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER);
+  } else {
+    XChangeProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER, XA_STRING, 8,
+                    PropModeReplace, bytes, static_cast<int>(text.size()));
+  }
+  sync();
+}
 
 unsigned long X11Display::default_visual_id() {
   return XVisualIDFromVisual(DefaultVisual(x(display_), DefaultScreen(x(display_))));

@@ -20,6 +20,8 @@ class X11Display {
   void* handle() const { return display_; }
   /// Waits until the server has done everything.
   void sync();
+  /// Sets the text of the desktop's settings, such as "Xft.dpi: 120"; "" takes it away.
+  void set_resources(const std::string& text);
   /// Id of the visual that windows have by default.
   unsigned long default_visual_id();
 
