@@ -124,7 +124,7 @@ endif()
 
 find_program(LINTIAN lintian)
 if(LINTIAN)
-  must(${LINTIAN} --fail-on error,warning --allow-root --no-tag-display-limit ${packages})
+  must(${LINTIAN} --fail-on error,warning --allow-root --tag-display-limit 0 ${packages})
 else()
   message(STATUS "lintian is not installed: packages not linted here; ./run check does it")
 endif()
