@@ -12,6 +12,7 @@ enum VERTEX_ATTRIB_TYPE : int;
 enum PRIMITIVE_TYPE : int;
 enum MESH_FACE_TRIANGLE_TYPE : int;
 enum VERTEX_FORMAT : int;
+enum LINE_RENDER_MODE : int;
 enum GPU_SHADER_TYPE : int;
 enum GPU_SHADER_UNIFORM : int;
 enum GPU_BUFFER_TYPE : int;
@@ -80,6 +81,19 @@ class FaceU32;
 class MaterialSubset;
 class MeshData;
 class Mesh;
+class PolylineData;
+class PolylineWideLine;
+class Polyline;
+class Line;
+class Curve;
+class Circle;
+class Sphere;
+class Pyramid;
+class Bone;
+class Box;
+class VertexPoolData;
+class VertexPool;
+class Point;
 
 // gpu
 class Resource;

@@ -9,6 +9,7 @@
 #include <climits>
 #include <cstdint>
 
+#include "geometry/counted_data.h"
 #include "geometry/mesh_user_geometry.h"
 
 namespace orv {
@@ -43,20 +44,8 @@ Mesh& Mesh::operator=(const Mesh& other) {
 // ---- data ----
 
 bool Mesh::_set_mesh_data(Renderer* renderer, MeshData* data) {
-  if (data == mesh_data_) return true;
-  // The new reference is taken first: the old data may be all that keeps the new one's owner.
-  if (data) {
-    data->inc_ref();
-    data->owner_id = get_id();
-  }
-  MeshData* old = mesh_data_;
-  mesh_data_ = data;
-  if (!old) return true;
-  old->dec_ref();
-  if (old->get_ref() > 0) return true;
-  if (renderer) renderer->geometry_vbo_destroy(old);
-  old->free_data();
-  delete old;
+  if (data && data != mesh_data_) data->owner_id = get_id();
+  replace_counted_data(renderer, mesh_data_, data);
   return true;
 }
 

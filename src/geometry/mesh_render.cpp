@@ -1,33 +1,13 @@
 #include <orv/geometry/mesh.h>
 #include <orv/gpu/gpu_buffer_data.h>
-#include <orv/gpu/gpu_program.h>
 #include <orv/gpu/gpu_program_data.h>
-#include <orv/gpu/material.h>
 #include <orv/render/renderer.h>
+
+#include "geometry/material_binding.h"
 
 namespace orv {
 
 // ---- drawing ----
-
-namespace {
-
-void bind_material(Renderer& renderer, Material& material) {
-  if (GpuProgram* program = material.get_gpu_program()) {
-    renderer.gpu_program_bind(program->get_data_ptr());
-  }
-  material.bind_textures(&renderer);
-  if (material.get_use_fixed_material_colors_state()) {
-    renderer.material_set_all(material.get_ambient(), material.get_diffuse(),
-                              material.get_specular(), material.get_shininess());
-  }
-}
-
-void unbind_material(Renderer& renderer, Material& material) {
-  if (material.get_gpu_program()) renderer.gpu_program_bind(nullptr);
-  material.unbind_textures(&renderer);
-}
-
-}  // namespace
 
 void Mesh::_render(Renderer* renderer) {
   if (!renderer || !mesh_data_) return;

@@ -1,0 +1,254 @@
+#include <orv/geometry/polyline_wide_line.h>
+
+#include <orv/geometry/polyline.h>
+#include <orv/gpu/gpu_program.h>
+#include <orv/gpu/gpu_program_data.h>
+#include <orv/gpu/gpu_program_mgr.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/held.h"
+#include "support/log_capture.h"
+#include "support/recording_renderer.h"
+
+namespace orv {
+namespace {
+
+using test::Held;
+using test::RecordingRenderer;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+const vec4 RED(1, 0, 0, 1);
+const vec4 GREEN(0, 1, 0, 1);
+
+class WideLine : public testing::Test {
+ protected:
+  PolylineWideLine& state() { return *line->get_wideline(); }
+  PolylineData& data() { return *line->get_polyline_data(); }
+
+  RecordingRenderer renderer;
+  Held<Polyline> line;
+};
+
+TEST_F(WideLine, FreshStateHasNoProgramAndNoPoints) {
+  EXPECT_EQ(state().program, nullptr);
+  EXPECT_EQ(state().line_width, 1.0f);
+  EXPECT_EQ(state().points, nullptr);
+  EXPECT_EQ(state().num_vertices, 0);
+  EXPECT_EQ(state().num_points, 0);
+}
+
+TEST_F(WideLine, InitializeMakesVerticesPointsAndProgram) {
+  EXPECT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  EXPECT_EQ(line->get_num_vertices(nullptr), 5u);
+  EXPECT_EQ(data().get_primitive_type(), PRIMITIVE_LINE_STRIP_ADJACENCY);
+  ASSERT_NE(state().points, nullptr);
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(state().points[i], vec4(0, 0, 0, 1));
+  ASSERT_NE(state().program, nullptr);
+  EXPECT_STREQ(state().program->get_name(), "vrn_wideline_program");
+  EXPECT_EQ(state().line_width, 3.0f);
+  EXPECT_EQ(renderer.count("gpu_shader_load"), 3);
+  EXPECT_TRUE(GpuProgramMgr::get()->has_resource(state().program));
+}
+
+TEST_F(WideLine, ShadersTakeColorsFromTheFirstTwoInputsAndDepthZero) {
+  ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  std::string geometry;
+  for (const std::string& call : renderer.calls()) {
+    if (call.find("lines_adjacency") != std::string::npos) geometry = call;
+  }
+  EXPECT_THAT(geometry, HasSubstr("vcolor = Vertex_Color[0];"));
+  EXPECT_THAT(geometry, HasSubstr("vcolor = Vertex_Color[1];"));
+  EXPECT_THAT(geometry, Not(HasSubstr("vcolor = Vertex_Color[2]")));
+  EXPECT_THAT(geometry, HasSubstr("(outPosition - perp) / screen_size, 0.0, 1.0)"));
+}
+
+TEST_F(WideLine, WithoutARendererThereIsNoProgram) {
+  EXPECT_TRUE(line->wideline_initialize(nullptr, 5, 3.0f));
+  EXPECT_EQ(state().program, nullptr);
+  EXPECT_EQ(state().line_width, 3.0f);
+  EXPECT_FALSE(line->wideline_initialize_gpu_program(nullptr));
+  EXPECT_FALSE(line->wideline_bind_gpu_program(&renderer));
+  EXPECT_FALSE(line->wideline_set_line_width(&renderer, 2.0f));
+  EXPECT_EQ(state().line_width, 2.0f) << "stored all the same";
+}
+
+TEST_F(WideLine, RefusedProgramLeavesNone) {
+  const unsigned int before = GpuProgramMgr::get()->get_num_resources();
+  renderer.answer("gpu_shader_load", 0);
+  EXPECT_FALSE(line->wideline_initialize_gpu_program(&renderer));
+  EXPECT_EQ(state().program, nullptr);
+  EXPECT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f)) << "the line is there";
+  EXPECT_EQ(state().program, nullptr);
+  EXPECT_FALSE(line->wideline_set_line_width(&renderer, 2.0f));
+  EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), before);
+}
+
+TEST_F(WideLine, LineWidthGoesToTheProgramAndTheCurrentOneComesBack) {
+  ASSERT_TRUE(line->wideline_initialize_gpu_program(&renderer));
+  const Held<GpuProgram> other;
+  renderer.label(state().program->get_data_ptr(), "wide");
+  renderer.label(other->get_data_ptr(), "other");
+  renderer.set_current_program(other->get_data_ptr());
+  renderer.clear();
+  EXPECT_TRUE(line->wideline_set_line_width(&renderer, 4.0f));
+  EXPECT_THAT(renderer.calls(), ElementsAre("get_current_gpu_program()", "gpu_program_bind(wide)",
+                                            "gpu_program_set_uniform_1f(wide, \"line_width\", 4)",
+                                            "gpu_program_bind(other)"));
+}
+
+TEST_F(WideLine, LineWidthWithoutARendererWaitsInTheRecord) {
+  ASSERT_TRUE(line->wideline_initialize_gpu_program(&renderer));
+  renderer.clear();
+  EXPECT_TRUE(line->wideline_set_line_width(nullptr, 4.0f));
+  EXPECT_THAT(renderer.calls(), ElementsAre());
+  const GpuProgramUniform* uniform = state().program->get_data_ptr()->find_uniform("line_width");
+  ASSERT_NE(uniform, nullptr);
+}
+
+TEST_F(WideLine, NothingIsSetWhereTheProgramDoesNotBind) {
+  ASSERT_TRUE(line->wideline_initialize_gpu_program(&renderer));
+  renderer.answer("gpu_program_bind", 0);
+  EXPECT_FALSE(line->wideline_set_line_width(&renderer, 4.0f));
+  EXPECT_FALSE(line->wideline_bind_gpu_program(&renderer));
+  EXPECT_EQ(renderer.count("gpu_program_set_uniform_1f"), 0);
+}
+
+TEST_F(WideLine, DrawingBindsTheProgramBehindTheMaterialAndUnbindsIt) {
+  ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  renderer.label(state().program->get_data_ptr(), "wide");
+  renderer.clear();
+  line->_render(&renderer);
+  EXPECT_EQ(renderer.calls().front(), "gpu_program_bind(wide)");
+  EXPECT_EQ(renderer.calls().back(), "gpu_program_bind(null)");
+  renderer.clear();
+  const Held<Polyline> plain;
+  plain->_render(&renderer);
+  EXPECT_EQ(renderer.count("gpu_program_bind"), 0) << "the next one draws without it";
+}
+
+TEST_F(WideLine, CleanupReleasesTheProgramThroughItsManager) {
+  const unsigned int before = GpuProgramMgr::get()->get_num_resources();
+  ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), before + 1);
+  EXPECT_TRUE(line->wideline_initialize(&renderer, 6, 3.0f)) << "in place of the first";
+  EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), before + 1);
+  EXPECT_TRUE(line->_cleanup(&renderer));
+  EXPECT_EQ(state().program, nullptr);
+  EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), before);
+  EXPECT_TRUE(line->_cleanup(&renderer)) << "once more";
+}
+
+TEST_F(WideLine, ProgramOutlivesItsManagersList) {
+  ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  GpuProgramMgr::get()->release_all_resources(&renderer, nullptr);
+  EXPECT_STREQ(state().program->get_name(), "vrn_wideline_program");
+  EXPECT_TRUE(line->_cleanup(&renderer));
+}
+
+TEST_F(WideLine, DestroyedWithoutCleanupLeavesTheProgramToTheManager) {
+  const unsigned int before = GpuProgramMgr::get()->get_num_resources();
+  {
+    Polyline local;
+    ASSERT_TRUE(local.wideline_initialize(&renderer, 5, 3.0f));
+  }
+  EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), before + 1);
+  GpuProgramMgr::get()->release_all_resources(&renderer, nullptr);
+}
+
+// ---- points ----
+
+TEST_F(WideLine, FirstPointGivesMinusOneAndWritesNoVertex) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 6, 1.0f));
+  const int range = data().get_draw_count();
+  EXPECT_EQ(line->wideline_add_point(vec4(1, 2, 3, 1), RED), -1);
+  EXPECT_EQ(state().num_points, 1);
+  EXPECT_EQ(state().num_vertices, 0);
+  EXPECT_EQ(data().get_draw_count(), range);
+  for (unsigned int i = 0; i < 6; ++i) EXPECT_EQ(line->get_vertex_position(i), vec4());
+}
+
+TEST_F(WideLine, SecondPointGivesTwoWithADrawRangeOfFourVertices) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 6, 1.0f));
+  line->wideline_add_point(vec4(1, 0, 0, 1), RED);
+  EXPECT_EQ(line->wideline_add_point(vec4(3, 1, 0, 1), GREEN), 2);
+  EXPECT_EQ(state().num_vertices, 3);
+  EXPECT_EQ(data().get_draw_start(), 0);
+  EXPECT_EQ(data().get_draw_count(), 4);
+  EXPECT_EQ(line->get_vertex_position(0), vec4(-1, -1, 0, 1)) << "first point's reflection";
+  EXPECT_EQ(line->get_vertex_position(1), vec4(1, 0, 0, 1));
+  EXPECT_EQ(line->get_vertex_position(2), vec4(3, 1, 0, 1));
+  EXPECT_EQ(line->get_vertex_position(3), vec4(-3, -1, 0, 1)) << "around the slot behind the end";
+  for (unsigned int i = 0; i < 4; ++i) EXPECT_EQ(line->get_vertex_color(i), GREEN);
+}
+
+TEST_F(WideLine, FurtherPointsFollowOneByOne) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 6, 1.0f));
+  line->wideline_add_point(vec4(1, 0, 0, 1), RED);
+  line->wideline_add_point(vec4(2, 0, 0, 1), RED);
+  EXPECT_EQ(line->wideline_add_point(vec4(3, 0, 0, 1), GREEN), 3);
+  EXPECT_EQ(data().get_draw_count(), 5);
+  EXPECT_EQ(line->get_vertex_position(3), vec4(3, 0, 0, 1));
+  EXPECT_EQ(line->get_vertex_position(4), vec4(-3, 0, 0, 1));
+}
+
+TEST_F(WideLine, ReflectionAfterAResetReadsStalePoints) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 8, 1.0f));
+  for (int i = 0; i < 4; ++i) line->wideline_add_point(vec4(10, 20, 30, 1), RED);
+  EXPECT_TRUE(line->wideline_reset_points());
+  EXPECT_EQ(state().num_points, 0);
+  EXPECT_EQ(state().num_vertices, 0);
+  EXPECT_EQ(data().get_draw_count(), 0);
+  line->wideline_add_point(vec4(1, 0, 0, 1), RED);
+  EXPECT_EQ(line->wideline_add_point(vec4(2, 0, 0, 1), RED), 2);
+  EXPECT_EQ(line->get_vertex_position(3), vec4(18, 40, 60, 1));
+}
+
+TEST_F(WideLine, FullPointsGiveMinusOne) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 2, 1.0f));
+  EXPECT_EQ(line->wideline_add_point(vec4(1, 0, 0, 1), RED), -1);
+  EXPECT_EQ(line->wideline_add_point(vec4(2, 0, 0, 1), RED), 2);
+  EXPECT_EQ(line->wideline_add_point(vec4(3, 0, 0, 1), RED), 3);
+  EXPECT_EQ(line->wideline_add_point(vec4(4, 0, 0, 1), RED), 4) << "reads behind the end";
+  EXPECT_EQ(line->wideline_add_point(vec4(5, 0, 0, 1), RED), -1);
+  EXPECT_EQ(state().num_points, 4);
+  EXPECT_EQ(data().get_draw_count(), 6) << "kept as computed; renderers clamp it";
+}
+
+TEST_F(WideLine, GrowingTheVerticesAloneDoesNotGrowThePoints) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 1, 1.0f));
+  ASSERT_TRUE(line->alloc_vertex_data(100));
+  for (int i = 0; i < 3; ++i) line->wideline_add_point(vec4(1, 2, 3, 1), RED);
+  EXPECT_EQ(line->wideline_add_point(vec4(1, 2, 3, 1), RED), -1);
+  EXPECT_EQ(state().num_points, 3);
+}
+
+TEST_F(WideLine, WithoutPointsNothingIsAdded) {
+  EXPECT_EQ(line->wideline_add_point(vec4(), RED), -1);
+  EXPECT_FALSE(line->wideline_set_point_attribs(0, vec4(), RED));
+  EXPECT_TRUE(line->wideline_reset_points());
+}
+
+TEST_F(WideLine, PointAttributesRewriteAVertex) {
+  ASSERT_TRUE(line->wideline_initialize(nullptr, 3, 1.0f));
+  EXPECT_TRUE(line->wideline_set_point_attribs(2, vec4(7, 8, 9, 1), GREEN));
+  EXPECT_EQ(line->get_vertex_position(2), vec4(7, 8, 9, 1));
+  EXPECT_EQ(line->get_vertex_color(2), GREEN);
+  EXPECT_FALSE(line->wideline_set_point_attribs(3, vec4(), GREEN));
+}
+
+TEST_F(WideLine, FailedAllocationLeavesNoPoints) {
+  const test::LogCapture log(LOG_LEVEL_ERROR);
+  EXPECT_FALSE(line->wideline_initialize(nullptr, 0, 1.0f));
+  EXPECT_FALSE(line->wideline_initialize(nullptr, 0xFFFFFFFFu, 1.0f));
+  EXPECT_EQ(state().points, nullptr);
+  EXPECT_EQ(line->wideline_add_point(vec4(), RED), -1);
+}
+
+}  // namespace
+}  // namespace orv
