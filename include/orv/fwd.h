@@ -81,6 +81,7 @@ class FaceU32;
 class MaterialSubset;
 class MeshData;
 class Mesh;
+class MeshParShape;
 class PolylineData;
 class PolylineWideLine;
 class Polyline;

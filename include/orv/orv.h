@@ -45,6 +45,7 @@
 #include <orv/geometry/shapes/circle.h>
 #include <orv/geometry/shapes/curve.h>
 #include <orv/geometry/shapes/line.h>
+#include <orv/geometry/shapes/mesh_par_shape.h>
 #include <orv/geometry/shapes/pyramid.h>
 #include <orv/geometry/shapes/sphere.h>
 #include <orv/geometry/vertex.h>
