@@ -12,6 +12,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/large_array.h"
+
 namespace orv {
 
 /// Opens the stores of an Image. T is unsigned char for the byte store, float for the float store.
@@ -104,7 +106,9 @@ inline bool block_size(std::uint64_t pixels, std::uint64_t depth, std::uint64_t 
 template <typename T>
 T* new_block(std::size_t bytes) {
   const std::size_t count = std::max<std::size_t>(1, bytes / sizeof(T));
-  return new (std::nothrow) T[count];
+  T* block = new (std::nothrow) T[count];
+  if (block) advise_large_pages(block, count * sizeof(T));
+  return block;
 }
 
 /// How many of the image's width * height pixels of this size may be touched in the store.

@@ -25,14 +25,25 @@ Target convert_channel(Source value) {
   }
 }
 
+void convert_channels(const unsigned char* source, float* target, std::size_t count) {
+  detail::bytes_to_units(source, target, count);
+}
+void convert_channels(const float* source, unsigned char* target, std::size_t count) {
+  detail::units_to_bytes(source, target, count);
+}
+template <typename Channel>
+void convert_channels(const Channel* source, Channel* target, std::size_t count) {
+  std::memcpy(target, source, count * sizeof(Channel));
+}
+
 /// Channels go by position; G and B that the source lacks are 0, a missing alpha is opaque.
 template <typename Source, int SOURCE_CHANNELS, typename Target, int TARGET_CHANNELS>
 void convert_pixels(const void* source_pixels, void* target_pixels, std::size_t count) {
   constexpr Target OPAQUE = std::is_same_v<Target, float> ? Target{1} : Target(255);
   const Source* source = static_cast<const Source*>(source_pixels);
   Target* target = static_cast<Target*>(target_pixels);
-  if constexpr (std::is_same_v<Source, Target> && SOURCE_CHANNELS == TARGET_CHANNELS) {
-    std::memcpy(target, source, count * SOURCE_CHANNELS * sizeof(Source));
+  if constexpr (SOURCE_CHANNELS == TARGET_CHANNELS) {
+    convert_channels(source, target, count * SOURCE_CHANNELS);
     return;
   }
   for (std::size_t i = 0; i < count; ++i) {

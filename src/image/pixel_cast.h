@@ -28,4 +28,8 @@ inline constexpr std::array<float, 256> BYTE_TO_UNIT = [] {
 inline float byte_to_unit(unsigned char byte) { return BYTE_TO_UNIT[byte]; }
 inline unsigned char unit_to_byte(float value) { return wrap_to_byte(value * 255.0f); }
 
+/// The same for many values at once, with the same bits.
+void bytes_to_units(const unsigned char* bytes, float* values, std::size_t count);
+void units_to_bytes(const float* values, unsigned char* bytes, std::size_t count);
+
 }  // namespace orv::detail
