@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 #include <type_traits>
+#include <vector>
 
 namespace orv::detail {
 
@@ -50,5 +51,8 @@ struct LargeArrayAllocator {
     return true;
   }
 };
+
+template <class T>
+using LargeVector = std::vector<T, LargeArrayAllocator<T>>;
 
 }  // namespace orv::detail

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <orv/math/vec2.h>
+#include <orv/math/vec3.h>
 #include <orv/math/vec4.h>
 
 #include <cstdint>
@@ -8,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/large_array.h"
+#include "core/growing_array.h"
 #include "loaders/loader_names.h"
 
 namespace orv {
@@ -16,9 +18,6 @@ class Material;
 }  // namespace orv
 
 namespace orv::detail {
-
-template <class T>
-using LargeVector = std::vector<T, LargeArrayAllocator<T>>;
 
 /// The values that a material has before a file says otherwise.
 struct ObjMaterialDefaults {
@@ -107,13 +106,22 @@ class NamedList {
 /// What the text of an OBJ file and its material libraries hold. Polygons of all groups are kept
 /// in one list, a polygon being the corners from the end of the one before up to its own end.
 struct ObjDocument {
-  LargeVector<vec4> positions;
-  LargeVector<vec4> normals;
-  LargeVector<vec4> texcoords;
-  LargeVector<ObjCorner> corners;
-  LargeVector<std::uint32_t> polygon_ends;
+  GrowingArray<vec3> positions;
+  GrowingArray<vec3> normals;
+  GrowingArray<vec2> texcoords;
+  GrowingArray<ObjCorner> corners;
+  GrowingArray<std::uint32_t> polygon_ends;
   NamedList<ObjMaterial> materials;
   NamedList<ObjGroup> groups;
+
+  /// Gives back the room for more of what there is much of.
+  void shrink_to_fit() {
+    positions.shrink_to_fit();
+    normals.shrink_to_fit();
+    texcoords.shrink_to_fit();
+    corners.shrink_to_fit();
+    polygon_ends.shrink_to_fit();
+  }
 };
 
 }  // namespace orv::detail

@@ -15,22 +15,25 @@ namespace orv::detail {
 
 namespace {
 
+vec4 widen(const vec2& v) { return vec4(v.x, v.y, 0.0f); }
+vec4 widen(const vec3& v) { return v; }
+
 /// A list of which each index that names no element names the first one.
+template <class Element>
 class ElementList {
  public:
-  explicit ElementList(const LargeVector<vec4>& elements)
+  explicit ElementList(const GrowingArray<Element>& elements)
       : elements_(elements.data()), count_(static_cast<std::uint32_t>(elements.size())) {}
 
   bool empty() const { return count_ == 0; }
-  const vec4& get(int one_based) const {
-    static constexpr vec4 MISSING;
+  vec4 get(int one_based) const {
     const std::uint32_t i = static_cast<std::uint32_t>(one_based) - 1;
-    if (i < count_) return elements_[i];
-    return count_ == 0 ? MISSING : elements_[0];
+    if (i < count_) return widen(elements_[i]);
+    return count_ == 0 ? vec4() : widen(elements_[0]);
   }
 
  private:
-  const vec4* elements_;
+  const Element* elements_;
   std::uint32_t count_;
 };
 
@@ -63,16 +66,16 @@ class ObjModelBuilder {
   Model& model_;
   SharedMaterials shared_;
   ModelMaterials model_materials_;
-  const ElementList positions_;
-  const ElementList normals_;
-  const ElementList texcoords_;
+  const ElementList<vec3> positions_;
+  const ElementList<vec3> normals_;
+  const ElementList<vec2> texcoords_;
 };
 
 /// The triangles of one mesh, three vertices each, as they are written one after the other.
 class TriangleWriter {
  public:
-  TriangleWriter(MeshData& data, const ElementList& positions, const ElementList& normals,
-                 const ElementList& texcoords)
+  TriangleWriter(MeshData& data, const ElementList<vec3>& positions,
+                 const ElementList<vec3>& normals, const ElementList<vec2>& texcoords)
       : data_(data),
         faces_(data),
         positions_(positions),
@@ -89,9 +92,9 @@ class TriangleWriter {
       texcoord_writer_.set(v + 1, texcoords_.get(b.texcoord));
       texcoord_writer_.set(v + 2, texcoords_.get(c.texcoord));
     }
-    const vec4& p0 = positions_.get(a.position);
-    const vec4& p1 = positions_.get(b.position);
-    const vec4& p2 = positions_.get(c.position);
+    const vec4 p0 = positions_.get(a.position);
+    const vec4 p1 = positions_.get(b.position);
+    const vec4 p2 = positions_.get(c.position);
     position_writer_.set(v, p0);
     position_writer_.set(v + 1, p1);
     position_writer_.set(v + 2, p2);
@@ -112,9 +115,9 @@ class TriangleWriter {
   }
 
   vec4 write_normals(unsigned int v, int a, int b, int c) {
-    const vec4& n0 = normals_.get(a);
-    const vec4& n1 = normals_.get(b);
-    const vec4& n2 = normals_.get(c);
+    const vec4 n0 = normals_.get(a);
+    const vec4 n1 = normals_.get(b);
+    const vec4 n2 = normals_.get(c);
     normal_writer_.set(v, n0);
     normal_writer_.set(v + 1, n1);
     normal_writer_.set(v + 2, n2);
@@ -123,9 +126,9 @@ class TriangleWriter {
 
   MeshData& data_;
   FaceAccess faces_;
-  const ElementList positions_;
-  const ElementList normals_;
-  const ElementList texcoords_;
+  const ElementList<vec3> positions_;
+  const ElementList<vec3> normals_;
+  const ElementList<vec2> texcoords_;
   AttribWriter position_writer_;
   AttribWriter normal_writer_;
   AttribWriter texcoord_writer_;
@@ -183,7 +186,7 @@ void ObjModelBuilder::build_mesh(const ObjGroup& group) {
 void ObjModelBuilder::write_faces(const ObjGroup& group, MeshData& data, unsigned int material_id) {
   TriangleWriter writer(data, positions_, normals_, texcoords_);
   const ObjCorner* corners = document_.corners.data();
-  const LargeVector<std::uint32_t>& ends = document_.polygon_ends;
+  const GrowingArray<std::uint32_t>& ends = document_.polygon_ends;
   for (const ObjPolygonRun& run : group.runs) {
     for (std::uint32_t polygon = run.first; polygon < run.first + run.count; ++polygon) {
       const std::uint32_t begin = polygon == 0 ? 0 : ends[polygon - 1];

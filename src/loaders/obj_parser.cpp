@@ -95,7 +95,8 @@ class ObjParser {
  private:
   void read_statement(std::string_view word);
   void read_vertex(std::string_view word);
-  void read_vector(LargeVector<vec4>& list, int dim);
+  vec2 read_vec2();
+  vec3 read_vec3();
   void read_face();
   void append_polygon(CornerLayout layout, ObjCorner corner);
   void read_group();
@@ -118,9 +119,10 @@ void ObjParser::parse() {
   material_ = document_.materials.find_or_create("ORV_obj_default_material");
   for (;;) {
     const std::string_view word = scanner_.read_word();
-    if (word.empty()) return;
+    if (word.empty()) break;
     read_statement(word);
   }
+  document_.shrink_to_fit();
 }
 
 void ObjParser::read_statement(std::string_view word) {
@@ -145,15 +147,22 @@ void ObjParser::read_statement(std::string_view word) {
 
 void ObjParser::read_vertex(std::string_view word) {
   const char second = word.size() > 1 ? word[1] : '\0';
-  if (second == '\0') return read_vector(document_.positions, 3);
-  if (second == 'n') return read_vector(document_.normals, 3);
-  if (second == 't') return read_vector(document_.texcoords, 2);
+  if (second == '\0') return document_.positions.push_back(read_vec3());
+  if (second == 'n') return document_.normals.push_back(read_vec3());
+  if (second == 't') return document_.texcoords.push_back(read_vec2());
 }
 
-void ObjParser::read_vector(LargeVector<vec4>& list, int dim) {
-  vec4 v;
-  if (scanner_.read_float(v.x) && scanner_.read_float(v.y) && dim == 3) scanner_.read_float(v.z);
-  list.push_back(v);
+/// Numbers behind one that is missing are zero and stay in the text.
+vec2 ObjParser::read_vec2() {
+  vec2 v;
+  if (scanner_.read_float(v.x)) scanner_.read_float(v.y);
+  return v;
+}
+
+vec3 ObjParser::read_vec3() {
+  vec3 v;
+  if (scanner_.read_float(v.x) && scanner_.read_float(v.y)) scanner_.read_float(v.z);
+  return v;
 }
 
 // ---- faces ----
@@ -169,7 +178,7 @@ void ObjParser::read_face() {
 /// Takes the other corners for as long as they can be read. The second and the third are there in
 /// any case: numbers that are missing are those of the corner before.
 void ObjParser::append_polygon(CornerLayout layout, ObjCorner corner) {
-  LargeVector<ObjCorner>& corners = document_.corners;
+  GrowingArray<ObjCorner>& corners = document_.corners;
   corners.push_back(corner);
   for (int i = 0; i < 2; ++i) {
     read_corner(scanner_, layout, corner);

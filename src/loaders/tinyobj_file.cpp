@@ -1,10 +1,12 @@
 #include "loaders/tinyobj_file.h"
 
 #include <functional>
+#include <istream>
 #include <sstream>
 #include <unordered_set>
 #include <utility>
 
+#include "core/mapped_file.h"
 #include "core/read_file.h"
 #include "loaders/loader_names.h"
 #include "loaders/tinyobj_text.h"
@@ -13,9 +15,9 @@ namespace orv::detail {
 
 namespace {
 
-bool read_text(const std::string& path, std::string& text, const char** fault = nullptr) {
+bool read_text(const std::string& path, std::string& text) {
   std::vector<unsigned char> bytes;
-  if (!read_whole_file(path.c_str(), bytes, fault)) return false;
+  if (!read_whole_file(path.c_str(), bytes)) return false;
   text.assign(bytes.begin(), bytes.end());
   return true;
 }
@@ -52,19 +54,20 @@ class PlainFileMaterialReader : public tinyobj::MaterialReader {
 }  // namespace
 
 bool TinyobjFile::read(const std::string& path, const std::string& directory) {
-  std::string text;
-  const char* cause = nullptr;
-  if (!read_text(path, text, &cause)) {
-    fault = cause;
+  const MappedFile file(path.c_str());
+  if (!file.is_open()) {
+    fault = file.fault();
     messages = "Cannot open file [" + path + "]\n";
     return false;
   }
   PlainFileMaterialReader libraries(directory);
-  return parse(std::move(text), libraries);
+  return parse(file.text(), libraries);
 }
 
-bool TinyobjFile::parse(std::string text, tinyobj::MaterialReader& libraries) {
-  std::istringstream stream(bound_obj_text(std::move(text)));
+bool TinyobjFile::parse(std::string_view text, tinyobj::MaterialReader& libraries) {
+  BoundObjBuffer buffer(text);
+  std::istream stream(&buffer);
+  stream.exceptions(std::ios::badbit);  // an allocation that fails is no end of the file
   std::string warnings;
   std::string errors;
   const bool loaded =

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orv::detail {
@@ -21,7 +22,7 @@ struct TinyobjFile {
   bool read(const std::string& path, const std::string& directory);
 
   /// The same for a text in memory. `libraries` reads those that it names.
-  bool parse(std::string text, tinyobj::MaterialReader& libraries);
+  bool parse(std::string_view text, tinyobj::MaterialReader& libraries);
 };
 
 /// Reads the text of a material library.

@@ -2,16 +2,16 @@
 
 #include <tiny_obj_loader.h>
 
-#include <vector>
+#include "core/large_array.h"
 
 namespace orv::detail {
 
 /// One shape with vertices of its own: each distinct corner is a vertex, in the order of first use.
 struct TinyobjShape {
-  std::vector<float> positions;  ///< three a vertex
-  std::vector<float> normals;    ///< three a vertex, or none when no corner has one
-  std::vector<float> texcoords;  ///< two a vertex, or none when no corner has one
-  std::vector<unsigned int> indices;
+  LargeVector<float> positions;  ///< three a vertex
+  LargeVector<float> normals;    ///< three a vertex, or none when no corner has one
+  LargeVector<float> texcoords;  ///< two a vertex, or none when no corner has one
+  LargeVector<unsigned int> indices;
 };
 
 /// Corners whose elements are missing get zeros.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -15,6 +16,8 @@ constexpr std::uint64_t SMALL_POLYGON = 16;
 /// Three indices and two slashes are far shorter.
 constexpr std::size_t MAX_CORNER_TEXT = 64;
 constexpr std::size_t MAX_MTL_LINE = 1024;
+/// Text that is bounded at once, unless a line is longer.
+constexpr std::size_t PART_SIZE = std::size_t{1} << 16;
 
 /// Part of a text, without the end of line.
 struct Line {
@@ -24,12 +27,22 @@ struct Line {
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
+/// Where the next such character stands, or the end of the text.
+std::size_t find_from(std::string_view text, std::size_t at, char c) {
+  const void* found = std::memchr(text.data() + at, c, text.size() - at);
+  return found ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data())
+               : text.size();
+}
+
 template <class Visit>
 void for_each_line(std::string_view text, Visit visit) {
-  Line line = {0, 0};
-  for (; line.begin < text.size(); line.begin = line.end + 1) {
-    line.end = line.begin;
-    while (line.end < text.size() && text[line.end] != '\n' && text[line.end] != '\r') ++line.end;
+  std::size_t next_return = 0;
+  bool knows_return = false;
+  for (Line line = {0, 0}; line.begin < text.size(); line.begin = line.end + 1) {
+    // Most texts have no carriage returns at all, and then they are looked for once.
+    if (!knows_return || next_return < line.begin) next_return = find_from(text, line.begin, '\r');
+    knows_return = true;
+    line.end = find_from(text.substr(0, next_return), line.begin, '\n');
     visit(line);
   }
 }
@@ -62,18 +75,51 @@ bool has_keyword(std::string_view statement, std::string_view keyword) {
          is_blank(statement[keyword.size()]);
 }
 
-/// Makes comments of what is of no use and finds the polygons that are to become fans.
-std::vector<Line> find_large_polygons(std::string& text) {
-  std::vector<Line> polygons;
-  std::uint64_t effort = MAX_EAR_CUTTING;
+/// Whether there are too few blanks for more than a small number of corners.
+bool is_small_polygon(std::string_view statement) {
+  return std::count_if(statement.begin(), statement.end(), is_blank) <=
+         static_cast<std::ptrdiff_t>(SMALL_POLYGON);
+}
+
+enum class Fate { STAYS, BECOMES_COMMENT, BECOMES_FAN };
+
+/// What is to become of a line without the blanks in front of it. Uses up effort.
+Fate fate_of(std::string_view statement, std::uint64_t& effort) {
+  const char first = statement.empty() ? '\0' : statement[0];
+  if (first == 'v') return has_keyword(statement, "vw") ? Fate::BECOMES_COMMENT : Fate::STAYS;
+  if (first == 't') return has_keyword(statement, "t") ? Fate::BECOMES_COMMENT : Fate::STAYS;
+  if (first != 'f' || !has_keyword(statement, "f") || is_small_polygon(statement)) {
+    return Fate::STAYS;
+  }
+  std::uint64_t num_corners = 0;
+  for_each_argument(statement, [&num_corners](std::string_view) { ++num_corners; });
+  return take_effort(num_corners, effort) ? Fate::STAYS : Fate::BECOMES_FAN;
+}
+
+/// Calls `visit(line, fate)` for each line, which begins behind its blanks.
+template <class Visit>
+void for_each_fate(std::string_view text, std::uint64_t& effort, Visit visit) {
   for_each_line(text, [&](Line line) {
     while (line.begin < line.end && is_blank(text[line.begin])) ++line.begin;
-    const auto statement = std::string_view(text).substr(line.begin, line.end - line.begin);
-    if (has_keyword(statement, "t") || has_keyword(statement, "vw")) text[line.begin] = '#';
-    if (!has_keyword(statement, "f")) return;
-    std::uint64_t num_corners = 0;
-    for_each_argument(statement, [&num_corners](std::string_view) { ++num_corners; });
-    if (!take_effort(num_corners, effort)) polygons.push_back(line);
+    visit(line, fate_of(text.substr(line.begin, line.end - line.begin), effort));
+  });
+}
+
+/// Whether whole lines stay as they are. If so, their effort is used up.
+bool is_bounded(std::string_view text, std::uint64_t& effort) {
+  bool bounded = true;
+  std::uint64_t left = effort;
+  for_each_fate(text, left, [&](Line, Fate fate) { bounded = bounded && fate == Fate::STAYS; });
+  if (bounded) effort = left;
+  return bounded;
+}
+
+/// Makes comments of what is of no use and finds the polygons that are to become fans.
+std::vector<Line> find_large_polygons(std::string& text, std::uint64_t& effort) {
+  std::vector<Line> polygons;
+  for_each_fate(text, effort, [&](Line line, Fate fate) {
+    if (fate == Fate::BECOMES_COMMENT) text[line.begin] = '#';
+    if (fate == Fate::BECOMES_FAN) polygons.push_back(line);
   });
   return polygons;
 }
@@ -96,11 +142,10 @@ void append_fan(std::string_view statement, std::string& out) {
   });
 }
 
-}  // namespace
-
-std::string bound_obj_text(std::string text) {
-  const std::vector<Line> polygons = find_large_polygons(text);
-  if (polygons.empty()) return text;
+/// Bounds whole lines where they stand.
+void bound_lines(std::string& text, std::uint64_t& effort) {
+  const std::vector<Line> polygons = find_large_polygons(text, effort);
+  if (polygons.empty()) return;
   std::string result;
   std::size_t copied = 0;
   for (const Line& line : polygons) {
@@ -108,7 +153,34 @@ std::string bound_obj_text(std::string text) {
     append_fan(std::string_view(text).substr(line.begin, line.end - line.begin), result);
     copied = line.end;
   }
-  return result.append(text, copied);
+  text = result.append(text, copied);
+}
+
+}  // namespace
+
+std::string bound_obj_text(std::string_view text) {
+  std::uint64_t effort = MAX_EAR_CUTTING;
+  std::string result(text);
+  bound_lines(result, effort);
+  return result;
+}
+
+BoundObjBuffer::int_type BoundObjBuffer::underflow() {
+  std::string_view part;
+  // A large polygon that names nothing leaves no text behind.
+  while (part.empty() && !rest_.empty()) {
+    part = rest_;
+    if (part.size() > PART_SIZE) part = part.substr(0, find_from(rest_, PART_SIZE, '\n') + 1);
+    rest_.remove_prefix(part.size());
+    if (is_bounded(part, effort_)) break;
+    changed_ = part;
+    bound_lines(changed_, effort_);
+    part = changed_;
+  }
+  // Nobody writes through the pointers: characters that are put back only move them.
+  char* begin = const_cast<char*>(part.data());
+  setg(begin, begin, begin + part.size());
+  return part.empty() ? traits_type::eof() : traits_type::to_int_type(part.front());
 }
 
 void bound_mtl_text(std::string& text) {

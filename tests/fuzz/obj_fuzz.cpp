@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   };
   orv::detail::parse_obj({reinterpret_cast<const char*>(data), size}, read_library, document);
   bool finite = true;
-  for (const orv::vec4& position : document.positions) finite = finite && is_finite(position);
+  for (const orv::vec3& position : document.positions) finite = finite && is_finite(position);
 
   orv::Model* model = new orv::Model;
   orv::detail::build_obj_model(document, *model);

@@ -63,27 +63,27 @@ using Count = std::pair<std::string, std::uint64_t>;
 
 TEST_F(ObjParserTest, ReadsVertices) {
   parse("v 1 -2.5 3e1\nvn 0 1 0\nvt 0.5 0.25 9\nv +1 .5 5.\n");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, -2.5f, 30), vec4(1, 0.5f, 5)));
-  EXPECT_THAT(document.normals, ElementsAre(vec4(0, 1, 0)));
-  EXPECT_THAT(document.texcoords, ElementsAre(vec4(0.5f, 0.25f, 0)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, -2.5f, 30), vec3(1, 0.5f, 5)));
+  EXPECT_THAT(document.normals, ElementsAre(vec3(0, 1, 0)));
+  EXPECT_THAT(document.texcoords, ElementsAre(vec2(0.5f, 0.25f)));
 }
 
 TEST_F(ObjParserTest, MissingNumbersOfAVertexAreZero) {
   parse("v 1 2\nv 3\nvn\nvt x\n");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 0), vec4(3, 0, 0)));
-  EXPECT_THAT(document.normals, ElementsAre(vec4()));
-  EXPECT_THAT(document.texcoords, ElementsAre(vec4()));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 0), vec3(3, 0, 0)));
+  EXPECT_THAT(document.normals, ElementsAre(vec3()));
+  EXPECT_THAT(document.texcoords, ElementsAre(vec2()));
 }
 
 TEST_F(ObjParserTest, NumbersMayStandOnOtherLines) {
   parse("v 1\n2\n\n3 v 4 5 6");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3), vec4(4, 5, 6)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3), vec3(4, 5, 6)));
 }
 
 TEST_F(ObjParserTest, OtherVWordsReadNothing) {
   // "0.5" begins with no known letter, so that the rest of its line goes.
   parse("vp 0.5 v 9 9 9\nvp v 1 2 3\n");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3)));
 }
 
 TEST_F(ObjParserTest, LayoutsOfCorners) {
@@ -131,9 +131,9 @@ TEST_F(ObjParserTest, AFanLosesWhatMatchedOfACorner) {
   // "5/" is used up by the scan for a further corner; "x" begins a line that is passed over.
   parse("f 1/1 2/2 3/3 5/x v 9 9 9\nv 1 2 3\n");
   EXPECT_EQ(corners(), "1/1/0 2/2/0 3/3/0");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3)));
   parse("f 1 2 3\n-v 7 8 9\n");
-  EXPECT_EQ(document.positions.back(), vec4(7, 8, 9));
+  EXPECT_EQ(document.positions.back(), vec3(7, 8, 9));
 }
 
 TEST_F(ObjParserTest, AFaceWithoutNumbersCountsAllTheSame) {
@@ -201,7 +201,7 @@ TEST_F(ObjParserTest, UsemtlIsKnownByItsSecondToSixthLetter) {
 
 TEST_F(ObjParserTest, OtherUWordsReadNothingMore) {
   parse("usemap v 1 2 3\n");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3)));
 }
 
 TEST_F(ObjParserTest, UsemtlWithoutANameDoesNothing) {
@@ -238,7 +238,7 @@ TEST_F(ObjParserTest, LibraryNamesAreCutAt259Characters) {
 TEST_F(ObjParserTest, OtherStatementsArePassedOver) {
   parse("# v 1 1 1\no f 1 2 3\ns 1\n1 f 1 2 3\n#\nv 1 2 3");
   EXPECT_EQ(corners(), "");
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3)));
 }
 
 TEST_F(ObjParserTest, NamesAreCutAndComparedOver127Characters) {
@@ -252,7 +252,7 @@ TEST_F(ObjParserTest, NamesAreCutAndComparedOver127Characters) {
 TEST_F(ObjParserTest, AGroupNameEndsWith511Characters) {
   parse("g " + std::string(510, ' ') + "v 1 2 3\n");
   EXPECT_THAT(groups(), ElementsAre(Count("obj_group_0", 0)));
-  EXPECT_THAT(document.positions, ElementsAre(vec4(1, 2, 3)));
+  EXPECT_THAT(document.positions, ElementsAre(vec3(1, 2, 3)));
 }
 
 TEST_F(ObjParserTest, ZeroBytesEndNames) {

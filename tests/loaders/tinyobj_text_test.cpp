@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -73,6 +74,21 @@ TEST(TinyobjText, ZeroBytesEndTheStatement) {
   const std::string bound = bound_obj_text(text);
   EXPECT_EQ(count(bound, "f 1 "), 2097u);
   EXPECT_EQ(count(bound, "2100"), 0u);
+}
+
+TEST(TinyobjText, BufferGivesTheSameTextPartByPart) {
+  std::string text = "\r\n";
+  for (int i = 0; i < 30; ++i) {
+    text += polygon(900 + i) + (i % 3 == 0 ? "\r\n" : "\n") + "t x 1\rvw 1\n";
+    for (int k = 0; k < 900; ++k) text += "v 1 2 " + std::to_string(k) + (k % 7 == 0 ? "\r" : "\n");
+  }
+  text += polygon(2100, std::string(65, '0'));  // becomes no text
+  for (const std::string& whole :
+       {text, text + "\n" + polygon(30000), polygon(20), std::string()}) {
+    BoundObjBuffer buffer(whole);
+    const std::string given{std::istreambuf_iterator<char>(&buffer), {}};
+    EXPECT_TRUE(given == bound_obj_text(whole));
+  }
 }
 
 TEST(TinyobjText, LongLinesOfLibrariesBecomeComments) {
