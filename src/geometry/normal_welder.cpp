@@ -41,49 +41,57 @@ void NormalWelder::choose_cell_size() {
     compare_all_ = true;
     return;
   }
-  // Two positions that pass the test differ by eps and the rounding of its two sums at the most;
-  // cells somewhat larger keep them in neighbouring ones.
-  const double reach = static_cast<double>(eps_) + static_cast<double>(largest) * 0x1p-22;
-  if (reach > 0.0) cells_per_unit_ = 1.0 / (reach * 1.001);
+  // Two positions that pass the test differ by eps and the rounding of its two sums at the most.
+  reach_ = (static_cast<double>(eps_) + static_cast<double>(largest) * 0x1p-22) * 1.001;
+  // What is within reach on both sides then touches two cells at the most.
+  if (reach_ > 0.0) cells_per_unit_ = 1.0 / (reach_ * 2.001);
   if (!std::isfinite(cells_per_unit_)) compare_all_ = true;
 }
 
-NormalWelder::Cell NormalWelder::cell_of(const vec3& p) const {
-  return {cell_index(static_cast<double>(p.x), cells_per_unit_),
-          cell_index(static_cast<double>(p.y), cells_per_unit_),
-          cell_index(static_cast<double>(p.z), cells_per_unit_)};
+NormalWelder::Cell NormalWelder::cell_of(const vec3& p, double shift) const {
+  return {cell_index(static_cast<double>(p.x) + shift, cells_per_unit_),
+          cell_index(static_cast<double>(p.y) + shift, cells_per_unit_),
+          cell_index(static_cast<double>(p.z) + shift, cells_per_unit_)};
 }
 
-std::uint32_t NormalWelder::bucket_of(const Cell& cell) const {
-  std::uint64_t hash = static_cast<std::uint32_t>(cell.x);
-  hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(cell.y);
-  hash = hash * 0x9E3779B97F4A7C15u + static_cast<std::uint32_t>(cell.z);
-  hash *= 0x9E3779B97F4A7C15u;
-  return static_cast<std::uint32_t>(hash >> 32) & bucket_mask_;
+NormalWelder::Place NormalWelder::place_of(const Cell& cell) const {
+  constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15u;
+  const auto x = static_cast<std::uint32_t>(cell.x);
+  const auto y = static_cast<std::uint32_t>(cell.y);
+  const auto z = static_cast<std::uint32_t>(cell.z);
+  // Blocks of 4 by 4 by 4 cells have their buckets side by side: neighbours are read together.
+  std::uint64_t hash = x >> 2;
+  hash = hash * MIX + (y >> 2);
+  hash = hash * MIX + (z >> 2);
+  hash = (hash ^ hash >> 29) * MIX;
+  const std::uint32_t cell_in_block = (z & 3) << 4 | (y & 3) << 2 | (x & 3);
+  return {(static_cast<std::uint32_t>(hash >> 32) + cell_in_block) & bucket_mask_,
+          static_cast<std::uint32_t>(hash) ^ cell_in_block};
 }
 
 void NormalWelder::sort_into_buckets() {
   const std::size_t n = positions_.size();
   std::uint32_t buckets = 16;
-  while (buckets < n && buckets < (1u << 30)) buckets *= 2;
+  while (buckets / 2 < n && buckets < (1u << 30)) buckets *= 2;
   bucket_mask_ = buckets - 1;
 
-  cells_.resize(n);
+  std::vector<Place> places(n);
   bucket_starts_.assign(static_cast<std::size_t>(buckets) + 1, 0);
   for (std::size_t i = 0; i < n; ++i) {
-    cells_[i] = cell_of(positions_[i]);
-    if (is_place(i)) ++bucket_starts_[bucket_of(cells_[i]) + 1];
+    places[i] = place_of(cell_of(positions_[i], 0.0));
+    if (is_number(i)) ++bucket_starts_[places[i].bucket + 1];
   }
   for (std::size_t b = 0; b < buckets; ++b) bucket_starts_[b + 1] += bucket_starts_[b];
 
   std::vector<unsigned int> next(bucket_starts_.begin(), bucket_starts_.end() - 1);
   items_.resize(n);
   for (std::size_t i = 0; i < n; ++i) {
-    if (is_place(i)) items_[next[bucket_of(cells_[i])]++] = static_cast<unsigned int>(i);
+    if (!is_number(i)) continue;
+    items_[next[places[i].bucket]++] = {static_cast<unsigned int>(i), places[i].tag};
   }
 }
 
-bool NormalWelder::is_place(std::size_t i) const {
+bool NormalWelder::is_number(std::size_t i) const {
   const vec3& p = positions_[i];
   return p.x == p.x && p.y == p.y && p.z == p.z;
 }
@@ -94,30 +102,37 @@ bool NormalWelder::near(unsigned int i, unsigned int j) const {
   return within(a.x, b.x, eps_) && within(a.y, b.y, eps_) && within(a.z, b.z, eps_);
 }
 
+void NormalWelder::find_in_cell(unsigned int i, const Cell& cell,
+                                std::vector<unsigned int>& out) const {
+  const auto [bucket, tag] = place_of(cell);
+  const auto end = items_.begin() + bucket_starts_[bucket + 1];
+  auto item =
+      std::upper_bound(items_.begin() + bucket_starts_[bucket], end, i,
+                       [](unsigned int k, const Item& other) { return k < other.position; });
+  for (; item != end; ++item) {
+    if (item->tag == tag && near(i, item->position)) out.push_back(item->position);
+  }
+}
+
 void NormalWelder::find_later(unsigned int i, std::vector<unsigned int>& out) const {
   out.clear();
-  if (!(eps_ >= 0.0f) || !is_place(i)) return;
+  if (!(eps_ >= 0.0f) || !is_number(i)) return;
   if (compare_all_) {
     for (unsigned int j = i + 1; j < positions_.size(); ++j) {
       if (near(i, j)) out.push_back(j);
     }
     return;
   }
-  const Cell& own = cells_[i];
-  for (std::int32_t dz = -1; dz <= 1; ++dz) {
-    for (std::int32_t dy = -1; dy <= 1; ++dy) {
-      for (std::int32_t dx = -1; dx <= 1; ++dx) {
-        const Cell cell = {own.x + dx, own.y + dy, own.z + dz};
-        const std::uint32_t bucket = bucket_of(cell);
-        const auto end = items_.begin() + bucket_starts_[bucket + 1];
-        auto item = std::upper_bound(items_.begin() + bucket_starts_[bucket], end, i);
-        for (; item != end; ++item) {
-          if (cells_[*item] == cell && near(i, *item)) out.push_back(*item);
-        }
-      }
+  const Cell low = cell_of(positions_[i], -reach_);
+  const Cell high = cell_of(positions_[i], reach_);
+  for (std::int32_t z = low.z; z <= high.z; ++z) {
+    for (std::int32_t y = low.y; y <= high.y; ++y) {
+      for (std::int32_t x = low.x; x <= high.x; ++x) find_in_cell(i, {x, y, z}, out);
     }
   }
   std::sort(out.begin(), out.end());
+  // Two cells may share bucket and tag, and then each finds the positions of both.
+  out.erase(std::unique(out.begin(), out.end()), out.end());
 }
 
 }  // namespace orv
