@@ -55,6 +55,20 @@ def text_of(value, unit):
     return f"{value:.3g} s"
 
 
+def wanted_ratio(target, theirs):
+    """A target is a ratio, or {"ratio": R, "plus": P}: P bytes or seconds beyond R times the peer."""
+    if not isinstance(target, dict) or not theirs:
+        return target
+    return target["ratio"] + target["plus"] / theirs
+
+
+def text_of_target(row):
+    """A ratio, or what may come on top of the peer's cost."""
+    if isinstance(row["wanted"], dict) and row["wanted"]["ratio"] == 1:
+        return "+" + text_of(row["wanted"]["plus"], row["unit"])
+    return "" if row["target"] is None else f"{row['target']:.2f}"
+
+
 def make_rows(roads, units, targets):
     rows = []
     for road, sides in roads.items():
@@ -65,25 +79,26 @@ def make_rows(roads, units, targets):
             if peer == "ours":
                 continue
             theirs = statistics.median(values)
-            target = targets.get(f"{road}/{peer}", targets.get(road))
+            wanted = targets.get(f"{road}/{peer}", targets.get(road))
             ratio = ours / theirs if theirs else 0.0
+            target = wanted_ratio(wanted, theirs)
             rows.append({
                 "road": road, "peer": peer, "ours": ours, "theirs": theirs, "unit": units[road],
-                "ratio": ratio, "target": target, "runs": len(values),
+                "ratio": ratio, "wanted": wanted, "target": target, "runs": len(values),
                 "spread_ours": spread(sides["ours"]), "spread_peer": spread(values),
                 "reached": None if target is None else ratio <= target})
     return rows
 
 
 def print_table(rows):
-    print(f"{'road':<44}{'peer':<26}{'ours':>16}{'peer':>16}{'ratio':>8}{'target':>8}")
+    print(f"{'road':<44}{'peer':<26}{'ours':>16}{'peer':>16}{'ratio':>8}{'target':>10}")
     for row in rows:
         ours = f"{text_of(row['ours'], row['unit'])} ±{row['spread_ours'] * 100:.0f}%"
         theirs = f"{text_of(row['theirs'], row['unit'])} ±{row['spread_peer'] * 100:.0f}%"
-        target = "" if row["target"] is None else f"{row['target']:.2f}"
+        target = text_of_target(row)
         missed = "  missed" if row["reached"] is False else ""
         print(f"{row['road']:<44}{row['peer']:<26}{ours:>16}{theirs:>16}"
-              f"{row['ratio']:>8.2f}{target:>8}{missed}")
+              f"{row['ratio']:>8.2f}{target:>10}{missed}")
 
 
 def write_chart(rows, path):

@@ -65,8 +65,7 @@ void decode_ours(benchmark::State& state, const std::string& file) {
     if (!manager->load_texture_2d_from_file(texture, file.c_str(), false, orv::PF_RGB_U8)) {
       state.SkipWithError("not loaded");
     }
-    manager->release_resource(nullptr, texture, nullptr);
-    texture->release(nullptr, nullptr);
+    manager->release_texture(nullptr, texture, nullptr);
   }
 }
 
@@ -103,7 +102,6 @@ void write_stb(benchmark::State& state, const std::vector<unsigned char>& pixels
 
 int main(int argc, char** argv) {
   orv::core::start(nullptr, false, nullptr, nullptr);
-  orv::TextureMgr::get()->register_all_image_codec_plugins();
   const auto add = [](const std::string& road, auto ours, auto theirs, const auto& argument) {
     benchmark::RegisterBenchmark((road + "/ours").c_str(),
                                  [=, &argument](benchmark::State& s) { ours(s, argument); });
