@@ -21,6 +21,7 @@
 #include <orv/geometry/geometry_core_alloc_params.h>
 #include <orv/geometry/geometry_enums.h>
 #include <orv/geometry/geometry_gpu_state.h>
+#include <orv/geometry/instancing_init_params.h>
 #include <orv/geometry/material_subset.h>
 #include <orv/geometry/mesh.h>
 #include <orv/geometry/mesh_data.h>

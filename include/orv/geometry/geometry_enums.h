@@ -30,6 +30,16 @@ enum PRIMITIVE_TYPE : int {
 /// What kind of generic index list `alloc_face_data_v2` makes.
 enum MESH_FACE_TRIANGLE_TYPE : int { MESH_FACE_TRIANGLE_LIST = 1, MESH_FACE_TRIANGLE_STRIP = 2 };
 
+/// Borders of a mesh along its axes, as bits of a mask, see Mesh::vertex_particle_attach_border.
+enum MESH_PLANE_BORDER_TYPE : int {
+  MESH_PLANE_BORDER_X_MIN = 1,   ///< x at the minimum
+  MESH_PLANE_BORDER_X_MAX = 2,   ///< x at the maximum
+  MESH_PLANE_BORDER_Z_MIN = 4,   ///< z at the minimum
+  MESH_PLANE_BORDER_Z_MAX = 8,   ///< z at the maximum
+  MESH_PLANE_BORDER_Y_MIN = 16,  ///< y at the minimum
+  MESH_PLANE_BORDER_Y_MAX = 32   ///< y at the maximum
+};
+
 /// Number carried by geometry for its host; only the default has a meaning.
 enum VERTEX_FORMAT : int { VERTEX_FORMAT_DEFAULT = 0 };
 

@@ -251,6 +251,139 @@ class ORV_API Mesh : public Object {
   /// sizes of 0 or less, for more than 2^24 voxels, and without vertices or faces.
   bool voxelize(float dx, float dy, float dz, float precision);
 
+  // ---- instancing: attribute arrays that step once per instance ----
+
+  /// Makes the mesh drawn `num_instances` times by one call, and appends
+  /// `params.num_vertex_streams` attribute arrays of one element per instance to its data:
+  /// position, rotation (a quaternion), scale, colour, misc, then user streams. Vertices are
+  /// allocated first: building a shape anew frees the arrays, while the count stays.
+  ///
+  /// An array's location is its index. Behind the four standard arrays that is 4 to 8, the slots of
+  /// "orvex_Instance_Position" to "orvex_Instance_Misc" of every program; with one user attribute
+  /// in front it is 5 to 9, and the program has to be told with `set_vertex_attrib`. Interleaved
+  /// data counts from 0 and is drawn with 4 more, so that the slots agree.
+  ///
+  /// A scale starts as (0, 0, 0, 1): nothing is seen until scales are set. False for 0 instances,
+  /// for 0 streams and without data, with nothing changed. A 17th array is left out, with a warning
+  /// in the log.
+  bool instancing_init(unsigned int num_instances, const InstancingInitParams& params);
+  /// 0 when it is not drawn instanced.
+  unsigned int get_num_instances() const;
+
+  /// @{
+  /// Index of the attribute array. Counted on from the data's `first_instance_array`, so without
+  /// instancing the result means nothing.
+  unsigned int get_instance_pos_va_index() const;
+  unsigned int get_instance_rot_va_index() const;
+  unsigned int get_instance_scale_va_index() const;
+  unsigned int get_instance_color_va_index() const;
+  unsigned int get_instance_misc_va_index() const;
+  /// @}
+
+  /// @{
+  /// One instance. Ignored for an instance out of range and where the array is missing or empty.
+  void set_instance_position(unsigned int i, const vec4& v);
+  void set_instance_rotation(unsigned int i, const vec4& v);
+  void set_instance_rotation(unsigned int i, const quat& q);
+  void set_instance_scale(unsigned int i, const vec4& v);
+  void set_instance_color(unsigned int i, const vec4& v);
+  void set_instance_misc(unsigned int i, const vec4& v);
+  /// @}
+
+  /// @{
+  /// (0, 0, 0, 1) for an instance out of range and without the array.
+  vec4 get_instance_position(unsigned int i) const;
+  vec4 get_instance_rotation(unsigned int i) const;
+  vec4 get_instance_scale(unsigned int i) const;
+  vec4 get_instance_color(unsigned int i) const;
+  vec4 get_instance_misc(unsigned int i) const;
+  /// @}
+
+  /// @{
+  /// First element, null without the array; the data stays the owner. After writing, the array has
+  /// to be marked with VertexAttribArray::update_needed.
+  float* get_instance_positions_float_ptr();
+  float* get_instance_rotations_float_ptr();
+  float* get_instance_scales_float_ptr();
+  float* get_instance_colors_float_ptr();
+  float* get_instance_miscs_float_ptr();
+  /// @}
+
+  /// @{
+  /// The same; null also when elements have other than four components.
+  vec4* get_instance_positions_vec4_ptr();
+  vec4* get_instance_rotations_vec4_ptr();
+  vec4* get_instance_scales_vec4_ptr();
+  vec4* get_instance_colors_vec4_ptr();
+  vec4* get_instance_miscs_vec4_ptr();
+  /// @}
+
+  /// @{
+  /// Copies one vec4 for each *vertex* of the mesh over the array: the count is that of the
+  /// vertices, so with fewer vertices than instances only the first are written. False for null,
+  /// without the array, and with more vertices than instances.
+  bool set_instance_positions(const vec4* values);
+  bool set_instance_rotations(const vec4* values);
+  bool set_instance_scales(const vec4* values);
+  bool set_instance_colors(const vec4* values);
+  bool set_instance_miscs(const vec4* values);
+  /// @}
+
+  /// @{
+  /// Copies `count` vec4s to the instances from `start` on, as
+  /// GeometryCore::update_vertex_attrib_subbuffer.
+  bool set_instance_positions_sub(const vec4* values, unsigned int start, unsigned int count);
+  bool set_instance_rotations_sub(const vec4* values, unsigned int start, unsigned int count);
+  bool set_instance_scales_sub(const vec4* values, unsigned int start, unsigned int count);
+  bool set_instance_colors_sub(const vec4* values, unsigned int start, unsigned int count);
+  bool set_instance_miscs_sub(const vec4* values, unsigned int start, unsigned int count);
+  /// @}
+
+  /// @{
+  /// Stream `s`, counted from the first instance array: 0 is the positions, 5 the first stream of
+  /// the host's own. Otherwise as the operations above.
+  void set_instance_user_vertex_stream_value(unsigned int s, unsigned int i, const vec4& v);
+  vec4 get_instance_user_vertex_stream_value(unsigned int s, unsigned int i) const;
+  vec4* get_instance_user_vertex_stream(unsigned int s);
+  bool set_instance_user_vertex_stream(unsigned int s, const vec4* values);
+  bool set_instance_user_vertex_stream_sub(unsigned int s, const vec4* values, unsigned int start,
+                                           unsigned int count);
+  /// @}
+
+  /// The matrix of an instance from its position, rotation and scale. Identity for an instance out
+  /// of range, without one of these arrays, and for an unknown order.
+  mat4 get_instance_transform(unsigned int i, TRANSFORM_ORDER order) const;
+
+  // ---- vertex particles: one vec4 more per vertex ----
+  //
+  // x, y, z hold a position, w a weight: 0 pins the vertex, anything else leaves it free. All start
+  // at (0, 0, 0, 1). They are there when the alloc params ask for them, as they do by default.
+
+  /// One per vertex, null without them. The data stays the owner.
+  vec4* get_vertex_particles();
+
+  /// @{
+  /// All four lanes, or w alone, of vertex `i`. Ignored out of range.
+  void set_vertex_particle(unsigned int i, const vec4& v);
+  void set_vertex_particle_w(unsigned int i, float w);
+  /// @}
+
+  /// w of all particles.
+  void set_vertices_particle_w(float w);
+  /// Copies the positions over the particles, w included. False without particles.
+  bool update_vertex_particle_from_position();
+
+  /// @{
+  /// Pins the particles on borders of their extent: sets their w to 0. The extent is that of the
+  /// particles, not of the vertices, so update_vertex_particle_from_position comes first; on fresh
+  /// particles, which all stand at one place, every border pins all of them. The second form pins
+  /// the corners of a border in the XZ plane alone and knows no borders in y. False without
+  /// particles.
+  /// @param mask  MESH_PLANE_BORDER_TYPE bits; 0 changes nothing
+  bool vertex_particle_attach_border(unsigned int mask);
+  bool vertex_particle_attach_border_two_points(unsigned int mask);
+  /// @}
+
   // ---- user geometry: gathered one by one, made into the geometry by the next build ----
 
   /// Adds a white vertex and returns its index.
@@ -274,6 +407,14 @@ class ORV_API Mesh : public Object {
 
  private:
   bool render_with_subset(Renderer* renderer, unsigned int i, void (Mesh::*step)(Renderer*));
+  VertexAttribArray* instance_array(unsigned int stream) const;
+  void set_instance_value(unsigned int stream, unsigned int i, const vec4& v);
+  vec4 get_instance_value(unsigned int stream, unsigned int i) const;
+  float* instance_floats(unsigned int stream);
+  vec4* instance_vec4s(unsigned int stream);
+  bool set_instance_values(unsigned int stream, const vec4* values);
+  bool set_instance_values_sub(unsigned int stream, const vec4* values, unsigned int start,
+                               unsigned int count);
   bool set_user_vertex_field(unsigned int i, vec4 Vertex::*field, const vec4& v);
 
   MeshData* mesh_data_ = nullptr;
