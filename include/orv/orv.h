@@ -38,7 +38,9 @@
 #include <orv/geometry/primitives/mesh_pq_torus.h>
 #include <orv/geometry/primitives/mesh_quad.h>
 #include <orv/geometry/primitives/mesh_quad_hud.h>
+#include <orv/geometry/primitives/mesh_ribbon.h>
 #include <orv/geometry/primitives/mesh_sphere.h>
+#include <orv/geometry/primitives/mesh_terrain.h>
 #include <orv/geometry/primitives/mesh_torus.h>
 #include <orv/geometry/primitives/mesh_triangle.h>
 #include <orv/geometry/shapes/bone.h>
