@@ -53,6 +53,7 @@ class quat;
 class Math;
 class BoundingVolume;
 class Frustum;
+class Ray;
 
 // scene
 class Node;
@@ -65,6 +66,8 @@ class SceneMgr;
 class SceneRenderer;
 class Model;
 class Tripod;
+class RayCaster;
+class RayObjectIntersection;
 struct LightData;
 
 // geometry

@@ -96,6 +96,7 @@
 #include <orv/math/mat4d.h>
 #include <orv/math/math.h>
 #include <orv/math/quat.h>
+#include <orv/math/ray.h>
 #include <orv/math/vec2.h>
 #include <orv/math/vec3.h>
 #include <orv/math/vec4.h>
@@ -118,6 +119,8 @@
 #include <orv/scene/model.h>
 #include <orv/scene/node.h>
 #include <orv/scene/object.h>
+#include <orv/scene/ray_caster.h>
+#include <orv/scene/ray_object_intersection.h>
 #include <orv/scene/scene.h>
 #include <orv/scene/scene_mgr.h>
 #include <orv/scene/scene_renderer.h>

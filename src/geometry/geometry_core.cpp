@@ -65,6 +65,7 @@ bool GeometryCore::is_update_interleaved_vertex_array_needed() const {
 
 void GeometryCore::update_interleaved_vertex_array_set_state(bool state) {
   update_interleaved_needed = state;
+  if (state) ++interleaved_serial;
   interleaved_whole_dirty = state || interleaved_raw_shared;
   interleaved_dirty_begin = 0;
   interleaved_dirty_end = 0;
@@ -72,6 +73,7 @@ void GeometryCore::update_interleaved_vertex_array_set_state(bool state) {
 
 void GeometryCore::mark_interleaved(unsigned int begin, unsigned int end) {
   update_interleaved_needed = true;
+  ++interleaved_serial;
   if (interleaved_dirty_end == 0) {
     interleaved_dirty_begin = begin;
     interleaved_dirty_end = end;
@@ -106,6 +108,7 @@ bool GeometryCore::set_face_indices(unsigned int face, unsigned int a, unsigned 
   FaceAccess faces(*this);
   if (face >= faces.size()) return false;
   faces.set(face, a, b, c);
+  ++faces_serial;
   return true;
 }
 

@@ -156,6 +156,8 @@ bool GeometryCore::free_face_data() {
 }
 
 void GeometryCore::free_face_arrays() {
+  faces_raw_shared = false;
+  ++faces_serial;
   delete[] indices;
   delete[] faces_u16;
   delete[] faces_u32;

@@ -143,7 +143,7 @@ bool GeometryCore::copy_face_data(GeometryCore* src, bool realloc) {
   }
   if (face_normals && src->face_normals) std::copy_n(src->face_normals, n, face_normals);
   if (face_materials && src->face_materials) std::copy_n(src->face_materials, n, face_materials);
-  ib_update_faces_list_needed = true;
+  ib_update_faces_list_set_state(true);
   return true;
 }
 

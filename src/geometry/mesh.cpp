@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "geometry/counted_data.h"
+#include "geometry/mesh_ray_cache.h"
 #include "geometry/mesh_user_geometry.h"
 
 namespace orv {
@@ -26,6 +27,7 @@ Mesh::Mesh(VERTEX_FORMAT format) {
 Mesh::~Mesh() {
   _set_mesh_data(nullptr, nullptr);
   delete user_geometry_;
+  delete ray_cache_;
 }
 
 Mesh::Mesh(const Mesh& other) : Mesh() { *this = other; }
@@ -44,7 +46,11 @@ Mesh& Mesh::operator=(const Mesh& other) {
 // ---- data ----
 
 bool Mesh::_set_mesh_data(Renderer* renderer, MeshData* data) {
-  if (data && data != mesh_data_) data->owner_id = get_id();
+  if (data != mesh_data_) {
+    if (data) data->owner_id = get_id();
+    delete ray_cache_;
+    ray_cache_ = nullptr;
+  }
   replace_counted_data(renderer, mesh_data_, data);
   return true;
 }
@@ -153,6 +159,11 @@ bool Mesh::_build() {
     if (user_geometry_ && !_user_geometry_build()) return false;
   }
   return Object::_build();
+}
+
+MeshRayCache& Mesh::ray_cache() {
+  if (!ray_cache_) ray_cache_ = new MeshRayCache;
+  return *ray_cache_;
 }
 
 int Mesh::get_renderer_id() { return mesh_data_ ? mesh_data_->vb()->renderer_id : 0; }

@@ -162,6 +162,7 @@ void VertexAttribArray::set_element_vec4(unsigned int i, const vec4& v) {
 // ---- upload marks ----
 
 void VertexAttribArray::update_needed(bool state) {
+  if (state) ++content_serial;
   update_needed_ = state;
   whole_dirty = state || raw_shared;
   dirty_begin = 0;
@@ -169,6 +170,7 @@ void VertexAttribArray::update_needed(bool state) {
 }
 
 void VertexAttribArray::mark_elements(unsigned int begin, unsigned int end) {
+  ++content_serial;
   update_needed_ = true;
   if (dirty_end == 0) {
     dirty_begin = begin;

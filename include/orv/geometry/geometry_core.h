@@ -325,7 +325,10 @@ class ORV_API GeometryCore {
   void ib_uploaded_set_state(bool state) { ib_uploaded = state; }
   unsigned int get_ibo() const { return ibo; }  ///< index buffer of the graphics API, 0 for none
   bool is_ib_update_faces_list_needed() const { return ib_update_faces_list_needed; }
-  void ib_update_faces_list_set_state(bool state) { ib_update_faces_list_needed = state; }
+  void ib_update_faces_list_set_state(bool state) {
+    ib_update_faces_list_needed = state;
+    if (state) ++faces_serial;
+  }
   /// @}
 
   /// @{
@@ -447,8 +450,14 @@ class ORV_API GeometryCore {
 
   /// @{
   /// The arrays of faces; null when there are none of the kind. The geometry stays the owner.
-  FaceU16* get_faces_u16_ptr() { return faces_u16; }
-  FaceU32* get_faces_u32_ptr() { return faces_u32; }
+  FaceU16* get_faces_u16_ptr() {
+    faces_raw_shared = true;
+    return faces_u16;
+  }
+  FaceU32* get_faces_u32_ptr() {
+    faces_raw_shared = true;
+    return faces_u32;
+  }
   unsigned int* get_indices_ptr() { return indices; }
   vec4* get_face_normals_ptr() { return face_normals; }
   unsigned int* get_face_materials_ptr() { return face_materials; }
@@ -555,6 +564,11 @@ class ORV_API GeometryCore {
   unsigned int interleaved_dirty_end = 0;    ///< behind the last marked vertex; 0 when none
   bool interleaved_whole_dirty = true;       ///< the next upload sends the whole block
   bool interleaved_raw_shared = false;       ///< a pointer to the block was handed out
+  /// Raised by every mark of the interleaved block and by every change of faces, for those who keep
+  /// something made from them.
+  unsigned int interleaved_serial = 1;
+  unsigned int faces_serial = 1;  ///< see interleaved_serial
+  bool faces_raw_shared = false;  ///< a pointer to the faces was handed out
   /// The renderer's notes about its copy.
   GeometryGpuState gpu_state;
 

@@ -11,6 +11,7 @@
 
 namespace orv {
 
+class MeshRayCache;
 struct MeshUserGeometry;
 
 /// An Object drawn from a MeshData, which several meshes may share by reference count.
@@ -407,6 +408,8 @@ class ORV_API Mesh : public Object {
 
  private:
   bool render_with_subset(Renderer* renderer, unsigned int i, void (Mesh::*step)(Renderer*));
+  friend class RayCaster;
+  MeshRayCache& ray_cache();
   VertexAttribArray* instance_array(unsigned int stream) const;
   void set_instance_value(unsigned int stream, unsigned int i, const vec4& v);
   vec4 get_instance_value(unsigned int stream, unsigned int i) const;
@@ -419,6 +422,7 @@ class ORV_API Mesh : public Object {
 
   MeshData* mesh_data_ = nullptr;
   MeshUserGeometry* user_geometry_ = nullptr;
+  MeshRayCache* ray_cache_ = nullptr;
 };
 
 }  // namespace orv

@@ -135,6 +135,8 @@ class ORV_API VertexAttribArray {
   unsigned int dirty_end = 0;    ///< behind the last marked element; 0 when none
   bool whole_dirty = false;      ///< the next upload sends the whole array
   bool raw_shared = false;       ///< a pointer to the storage was handed out
+  /// Raised by every mark, for those who keep something made from the contents.
+  unsigned int content_serial = 1;
   /// Made by GeometryCore::copy_vertex_attrib_arrays; a renderer passes it over where a lower
   /// array has its location.
   bool copied_from_own = false;
