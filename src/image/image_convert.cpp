@@ -1,6 +1,8 @@
 // Image: changes of the pixel format.
 #include <orv/image/image.h>
 
+#include <orv/core/log_mgr.h>
+
 #include "image/image_access.h"
 #include "image/pixel_cast.h"
 
@@ -112,6 +114,17 @@ void install_converted(Image& image, const FormatInfo& source, Target* pixels, s
   ImageAccess::mark_owner(image);
 }
 
+/// A block for converted pixels, or null; the log tells why.
+template <typename Element>
+Element* new_result(const Image& image, std::size_t bytes) {
+  Element* pixels = detail::new_block<Element>(bytes);
+  if (!pixels) {
+    LogMgr::get().tracef_debug("image of %ux%ux%u pixels: allocation of %zu bytes failed",
+                               image.width, image.height, image.depth, bytes);
+  }
+  return pixels;
+}
+
 template <typename Target>
 bool convert_image(Image& image, const FormatInfo& source, const FormatInfo& target) {
   const void* source_pixels = source.store == StoreKind::BYTES
@@ -123,7 +136,7 @@ bool convert_image(Image& image, const FormatInfo& source, const FormatInfo& tar
                                     : detail::reachable_pixels<float>(image, source.size);
   std::size_t bytes = 0;
   if (!detail::block_size(detail::pixel_count(image), 1, target.size, &bytes)) return false;
-  Target* pixels = detail::new_block<Target>(bytes);
+  Target* pixels = new_result<Target>(image, bytes);
   if (!pixels) return false;
   if (reachable < detail::pixel_count(image)) std::memset(pixels, 0, bytes);
   find_converter(source, target)(source_pixels, pixels, reachable);
@@ -157,7 +170,7 @@ bool Image::convert_rgba_to_grey_alpha() {
   // format stays inside.
   std::size_t bytes = 0;
   if (!detail::block_size(detail::pixel_count(*this), 1, 4, &bytes)) return false;
-  unsigned char* pixels = detail::new_block<unsigned char>(bytes);
+  unsigned char* pixels = new_result<unsigned char>(*this, bytes);
   if (!pixels) return false;
   std::memset(pixels, 0, bytes);
   const std::size_t count = detail::reachable_pixels<unsigned char>(*this, 4);
