@@ -139,13 +139,12 @@ bool ImageCodecStb::load_image_from_memory(Image* image, unsigned char* data, un
     report("cannot be decoded", FileName::current(), decoded.fault());
     return false;
   }
-  if (!image->create(decoded.width(), decoded.height(), 1, format_of_channels(channels), false,
-                     true)) {
-    return false;
-  }
-  std::memcpy(
-      image->u8_ptr, decoded.pixels(),
+  ImageAccess::release<unsigned char>(*image);
+  image->create(decoded.width(), decoded.height(), 1, format_of_channels(channels), false, false);
+  ImageAccess::install(
+      *image, decoded.release_pixels(),
       static_cast<std::size_t>(detail::pixel_count(*image)) * static_cast<std::size_t>(channels));
+  ImageAccess::mark_owner(*image);
   return true;
 }
 

@@ -1,13 +1,16 @@
 #include "image/stb_image_decode.h"
 
+#include "core/large_array.h"
 #include "image/bmp_palette.h"
 #include "image/hdr_check.h"
 #include "image/jpeg_check.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 namespace {
@@ -20,18 +23,23 @@ constexpr std::size_t SMALL_BLOCKS = std::size_t{1} << 20;
 thread_local std::size_t block_limit = SMALL_BLOCKS;
 
 /// Blocks are zeroed: of a file that ends early the decoder hands out pixels, and uses tables, that
-/// it never wrote.
+/// it never wrote. They come from new[], so that an image can take the last one over.
 void* allocate_block(std::size_t size) {
-  return size <= block_limit ? std::calloc(1, size) : nullptr;
+  if (size > block_limit) return nullptr;
+  unsigned char* block = new (std::nothrow) unsigned char[size];
+  if (!block) return nullptr;
+  orv::detail::advise_large_pages(block, size);
+  return std::memset(block, 0, size);
 }
 
+void free_block(void* block) { delete[] static_cast<unsigned char*>(block); }
+
 void* resize_block(void* block, std::size_t old_size, std::size_t size) {
-  if (size > block_limit) return nullptr;
-  void* larger = std::realloc(block, size);
-  if (larger && size > old_size) {
-    std::memset(static_cast<unsigned char*>(larger) + old_size, 0, size - old_size);
-  }
-  return larger;
+  void* resized = allocate_block(size);
+  if (!resized) return nullptr;
+  if (block) std::memcpy(resized, block, std::min(old_size, size));
+  free_block(block);
+  return resized;
 }
 
 /// For an empty chunk the decoder copies nothing to nowhere, which memcpy does not allow.
@@ -49,7 +57,7 @@ inline void* copy_bytes(void* target, const void* source, std::size_t size) {
 #define STBI_ASSERT(x) ((void)(x))
 #define STBI_MALLOC(size) allocate_block(size)
 #define STBI_REALLOC_SIZED(block, old_size, size) resize_block(block, old_size, size)
-#define STBI_FREE(block) std::free(block)
+#define STBI_FREE(block) free_block(block)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
 #define memcpy copy_bytes

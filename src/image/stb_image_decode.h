@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 
 namespace orv::detail {
 
@@ -23,6 +24,8 @@ class DecodedImage {
   const char* fault() const { return fault_; }
 
   const unsigned char* pixels() const { return pixels_; }
+  /// Hands the pixels over, to be freed with delete[].
+  unsigned char* release_pixels() { return std::exchange(pixels_, nullptr); }
   unsigned int width() const { return width_; }
   unsigned int height() const { return height_; }
 
