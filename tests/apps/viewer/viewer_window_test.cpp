@@ -180,7 +180,7 @@ TEST_F(ViewerWindowTest, SameFramingOnScreensOfScaleOneOneAndAQuarterAndTwo) {
     display.set_resources(scale.resources);
     SCOPED_TRACE(scale.resources);
     folder_.write("scaled.png", "");
-    const std::string command = "cd '" + folder_.path() + "' && '" VIEWER_PROGRAM "' " +
+    const std::string command = "cd '" + folder_.path() + "' && " + start_in_window +
                                 viewer_data("obj/spider.obj") +
                                 " --size 320x240 --window --frames 2 --output scaled.png";
     EXPECT_EQ(std::system(command.c_str()), 0);
@@ -199,7 +199,7 @@ TEST_F(ViewerWindowTest, SameFramingOnScreensOfScaleOneOneAndAQuarterAndTwo) {
 
 TEST_F(ViewerWindowTest, FramesEndTheProgramAndStatsArePrinted) {
   TempFolder folder;
-  const std::string command = "cd '" + folder.path() + "' && '" VIEWER_PROGRAM "' " +
+  const std::string command = "cd '" + folder.path() + "' && " + start_in_window +
                               viewer_data("obj/box.obj") +
                               " --size 100x80 --frames 4 --stats >out.txt 2>err.txt";
   EXPECT_EQ(std::system(command.c_str()), 0);
