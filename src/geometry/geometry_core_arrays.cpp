@@ -36,7 +36,7 @@ VertexAttribArray* GeometryCore::alloc_new_vertex_attrib_array(unsigned int n) {
       check_geometry_bytes(vertex_buffer_bytes() + n * element_size, 1);
     }
     array->alloc_data_v2(dim, n, alloc_params.vertex_alignment);
-    array->layout_serial = &layout_serial;
+    array->owner = this;
     attrib_arrays[index] = array.release();
     ++num_attrib_arrays;
     return attrib_arrays[index];
@@ -165,6 +165,7 @@ void write_vec4s(VertexAttribArray& array, const void* vec4_data, unsigned int s
   const std::uint64_t offset = static_cast<std::uint64_t>(start) * sizeof(vec4);
   if (offset >= size) {
     array.update_needed_ = true;
+    if (array.owner) array.owner->attribs_marked = true;
     return;
   }
   const std::uint64_t bytes =

@@ -1,6 +1,7 @@
 #include <orv/geometry/vertex_attrib_array.h>
 
 #include <orv/core/aligned_array.h>
+#include <orv/geometry/geometry_core.h>
 #include <orv/math/vec2.h>
 #include <orv/math/vec3.h>
 #include <orv/math/vec4.h>
@@ -162,15 +163,20 @@ void VertexAttribArray::set_element_vec4(unsigned int i, const vec4& v) {
 // ---- upload marks ----
 
 void VertexAttribArray::update_needed(bool state) {
-  if (state) ++content_serial;
+  if (state) tell_mark();
   update_needed_ = state;
   whole_dirty = state || raw_shared;
   dirty_begin = 0;
   dirty_end = 0;
 }
 
-void VertexAttribArray::mark_elements(unsigned int begin, unsigned int end) {
+void VertexAttribArray::tell_mark() {
   ++content_serial;
+  if (owner) owner->attribs_marked = true;
+}
+
+void VertexAttribArray::mark_elements(unsigned int begin, unsigned int end) {
+  tell_mark();
   update_needed_ = true;
   if (dirty_end == 0) {
     dirty_begin = begin;
@@ -216,7 +222,7 @@ void VertexAttribArray::set_divisor(int instances) {
 }
 
 void VertexAttribArray::touch_layout() {
-  if (layout_serial) ++*layout_serial;
+  if (owner) ++owner->layout_serial;
 }
 
 unsigned int VertexAttribArray::get_size() const {

@@ -1,5 +1,7 @@
 #include <orv/geometry/vertex_attrib_array.h>
 
+#include <orv/geometry/geometry_core.h>
+
 #include <orv/math/vec2.h>
 #include <orv/math/vec3.h>
 #include <orv/math/vec4.h>
@@ -289,12 +291,14 @@ TEST(VertexAttribArray, UploadsAreWholeOnceAPointerWasHandedOut) {
 }
 
 TEST(VertexAttribArray, LayoutChangesAreCounted) {
-  unsigned int serial = 0;
+  GeometryCore geometry;
+  const unsigned int& serial = geometry.layout_serial;
   VertexAttribArray array;
-  array.layout_serial = &serial;
+  array.owner = &geometry;
+  const unsigned int fresh = serial;
   array.alloc_data(2, 0);
   const unsigned int allocated = serial;
-  EXPECT_GT(allocated, 0u);
+  EXPECT_GT(allocated, fresh);
   array.set_location(4);
   EXPECT_EQ(serial, allocated + 1);
   array.set_location(4);
@@ -312,6 +316,25 @@ TEST(VertexAttribArray, LayoutChangesAreCounted) {
   array.reset();
   EXPECT_EQ(serial, again + 1);
   delete[] kept;
+}
+
+TEST(VertexAttribArray, MarksReachTheGeometry) {
+  GeometryCore geometry;
+  geometry.set_alloc_params_num_vertices(4);
+  ASSERT_TRUE(geometry.alloc_vertex_data());
+  VertexAttribArray* array = geometry.get_vertex_attrib_array(2);
+  geometry.attribs_marked = false;
+  array->update_needed(false);
+  EXPECT_FALSE(geometry.attribs_marked);
+  array->set_element_vec4(1, vec4());
+  EXPECT_TRUE(geometry.attribs_marked);
+  geometry.attribs_marked = false;
+  array->update_needed(true);
+  EXPECT_TRUE(geometry.attribs_marked);
+  geometry.attribs_marked = false;
+  const vec4 values[4];
+  EXPECT_TRUE(geometry.update_normal_buffer(values));
+  EXPECT_TRUE(geometry.attribs_marked);
 }
 
 // ---- small descriptions ----

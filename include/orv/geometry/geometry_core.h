@@ -564,6 +564,8 @@ class ORV_API GeometryCore {
   unsigned int interleaved_dirty_end = 0;    ///< behind the last marked vertex; 0 when none
   bool interleaved_whole_dirty = true;       ///< the next upload sends the whole block
   bool interleaved_raw_shared = false;       ///< a pointer to the block was handed out
+  /// Raised by every mark of an attribute array, so that renderers need not look at all of them.
+  bool attribs_marked = true;
   /// Raised by every mark of the interleaved block and by every change of faces, for those who keep
   /// something made from them.
   unsigned int interleaved_serial = 1;

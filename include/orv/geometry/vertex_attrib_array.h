@@ -140,13 +140,14 @@ class ORV_API VertexAttribArray {
   /// Made by GeometryCore::copy_vertex_attrib_arrays; a renderer passes it over where a lower
   /// array has its location.
   bool copied_from_own = false;
-  /// Counter of the geometry that owns the array, raised when the layout changes; null for an array
-  /// of its own.
-  unsigned int* layout_serial = nullptr;
+  /// Geometry that owns the array, which is told of marks and of changes of the layout; null for an
+  /// array of its own.
+  GeometryCore* owner = nullptr;
 
  private:
   bool allocate(int dim, unsigned int n, int byte_alignment);
   void touch_layout();
+  void tell_mark();
 };
 
 /// Description of an attribute of two floats.

@@ -68,6 +68,18 @@ void clear_upload_marks(GeometryCore* geometry) {
   for (unsigned int i = 0; i < geometry->num_attrib_arrays; ++i) {
     if (geometry->attrib_arrays[i]) geometry->attrib_arrays[i]->update_needed(false);
   }
+  // Arrays that a host put into the list themselves tell nobody of their marks.
+  const auto* first = geometry->attrib_arrays;
+  geometry->attribs_marked = std::any_of(
+      first, first + geometry->num_attrib_arrays,
+      [=](const VertexAttribArray* array) { return array && array->owner != geometry; });
+}
+
+/// Whether nothing was allocated, freed or marked since the upload: the state of most geometries
+/// in most frames, told without a look at the arrays.
+bool is_vertex_buffer_current(const GeometryCore& geometry) {
+  return geometry.gpu_state.uploaded_serial == geometry.layout_serial && !geometry.attribs_marked &&
+         !geometry.is_update_interleaved_vertex_array_needed();
 }
 
 /// Counts of the buffers as they were uploaded.
@@ -93,13 +105,18 @@ DrawCounts draw_counts(const GeometryCore& geometry) {
   return counts;
 }
 
-/// Vertices that the arrays hold, also when they were made without a vertex count.
+/// Vertices that all arrays hold, also when they were made without a vertex count. Arrays of
+/// instances step otherwise, and empty ones are not bound.
 long long available_vertices(const GeometryCore& geometry, const DrawCounts& counts) {
-  long long available = counts.vertices;
-  for (unsigned int i = 0; available == 0 && i < geometry.num_attrib_arrays; ++i) {
-    if (geometry.attrib_arrays[i]) available = geometry.attrib_arrays[i]->num_elements;
+  GeometryGpuLayout layout;
+  geometry.get_gpu_layout(&layout);
+  long long available = counts.vertices > 0 ? counts.vertices : LLONG_MAX;
+  for (unsigned int i = 0; i < layout.num_attribs; ++i) {
+    const GeometryGpuAttrib& array = layout.attribs[i];
+    if (array.divisor > 0 || array.num_elements == 0) continue;
+    available = std::min(available, static_cast<long long>(array.num_elements));
   }
-  return available;
+  return available == LLONG_MAX ? 0 : available;
 }
 
 /// Range of the index buffer that is drawn.
@@ -191,6 +208,7 @@ bool RendererOpenGL::geometry_vbo_update(GeometryCore* geometry) {
 }
 
 bool RendererOpenGL::update_vertex_buffer(GeometryCore* geometry) {
+  if (is_vertex_buffer_current(*geometry) && geometry->vb()->buffer_id != 0) return true;
   const unsigned int size = geometry->get_total_vertex_buffer_size();
   const GeometryGpuState& state = geometry->gpu_state;
   GpuBufferData* buffer = geometry->vb();

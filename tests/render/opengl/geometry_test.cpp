@@ -350,6 +350,18 @@ TEST_F(GeometryTest, ImmutableStorageIsReplacedWhenItIsTooSmall) {
   EXPECT_EQ(0, gl.count("glBufferData"));
 }
 
+TEST_F(GeometryTest, ArraysThatTellNobodyOfMarksAreLookedAt) {
+  start();
+  make_separate();
+  geometry.attrib_arrays[1]->owner = nullptr;
+  upload();
+  ASSERT_TRUE(renderer.geometry_vbo_update(&geometry));
+  EXPECT_EQ(0, gl.count("glBufferSubData"));
+  geometry.attrib_arrays[1]->update_needed(true);
+  ASSERT_TRUE(renderer.geometry_vbo_update(&geometry));
+  EXPECT_EQ(1, gl.count("glBufferSubData"));
+}
+
 // ---- drawing ----
 
 TEST_F(GeometryTest, GeometryWithoutFacesDrawsArrays) {
@@ -357,6 +369,21 @@ TEST_F(GeometryTest, GeometryWithoutFacesDrawsArrays) {
   make_separate();
   geometry.set_vertex_draw_range(1, 2);
   upload();
+  EXPECT_THAT(draw_calls(), ElementsAre("glDrawArrays(GL_TRIANGLES, 1, 2)"));
+}
+
+TEST_F(GeometryTest, DrawRangeStaysInsideEveryArrayOfVertices) {
+  start();
+  make_separate();
+  ASSERT_EQ(4u, geometry.num_vertices);
+  ASSERT_TRUE(geometry.alloc_new_vertex_attrib_array(3));  // shorter than the vertices
+  VertexAttribArray* instances = geometry.alloc_new_vertex_attrib_array(1);
+  ASSERT_TRUE(instances);
+  instances->set_divisor(1);
+  upload();
+  geometry.set_vertex_draw_range(0, 4);
+  EXPECT_THAT(draw_calls(), ElementsAre("glDrawArrays(GL_TRIANGLES, 0, 3)"));
+  geometry.set_vertex_draw_range(1, 4);
   EXPECT_THAT(draw_calls(), ElementsAre("glDrawArrays(GL_TRIANGLES, 1, 2)"));
 }
 
