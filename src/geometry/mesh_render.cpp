@@ -1,9 +1,12 @@
 #include <orv/geometry/mesh.h>
 #include <orv/gpu/gpu_buffer_data.h>
 #include <orv/gpu/gpu_program_data.h>
+#include <orv/math/mat4.h>
 #include <orv/render/renderer.h>
+#include <orv/scene/tripod.h>
 
 #include "geometry/material_binding.h"
+#include "geometry/prefetch.h"
 
 namespace orv {
 
@@ -11,9 +14,13 @@ namespace orv {
 
 void Mesh::_render(Renderer* renderer) {
   if (!renderer || !mesh_data_) return;
+  prefetch_record(*mesh_data_);
   const MaterialSubset* subset = mesh_data_->get_current_subset();
   Material* material = subset ? get_material(subset->material_id) : get_material_by_index(0);
+  const mat4* transform = get_tripod()->get_transform_mat4_ptr();
+  prefetch_range(transform, transform + 1);
   if (material) bind_material(*renderer, *material);
+  if (mesh_data_) __builtin_prefetch(mesh_data_->get_vb_source());  // its address came in first
 
   GpuProgramData* program = renderer->get_current_gpu_program();
   const bool opengl = renderer->get_api_type() == ORV_API3D_OPENGL;

@@ -13,17 +13,18 @@
 
 namespace orv {
 
+// What drawing reads stands first.
 struct Material::MaterialData {
   GpuProgram* gpu_program = nullptr;
   std::vector<Texture*> textures;
-  std::vector<std::string> texture_filenames;
-  vec4 ambient = vec4(0.5f, 0.5f, 0.6f, 1.0f);
-  vec4 diffuse = vec4(0.8f, 0.8f, 0.9f, 1.0f);
-  vec4 specular = vec4(0.9f, 0.9f, 0.9f, 1.0f);
+  unsigned int texture_unit_offset = 0;
+  bool use_fixed_material_colors = false;
   float shininess = 16.0f;
   float opacity = 1.0f;
-  bool use_fixed_material_colors = false;
-  unsigned int texture_unit_offset = 0;
+  vec4 diffuse = vec4(0.8f, 0.8f, 0.9f, 1.0f);
+  vec4 ambient = vec4(0.5f, 0.5f, 0.6f, 1.0f);
+  vec4 specular = vec4(0.9f, 0.9f, 0.9f, 1.0f);
+  std::vector<std::string> texture_filenames;
 };
 
 namespace {

@@ -53,17 +53,18 @@ struct NodeData {
   void leave_all_lists();
   void drop_holder(const ChildList* list);
 
+  // What drawing reads stands first.
   Node* node;
-  std::string name;
-  int ref = 0;
-  Thread thread;
-  std::vector<NODE_TYPE> type_stack;
   Node* parent = nullptr;
-  ChildList children;
+  bool render_state = true;
+  int ref = 0;
   int layer = 0;
   int renderer_id = 0;
   void* user_data = nullptr;
-  bool render_state = true;
+  Thread thread;
+  std::string name;
+  std::vector<NODE_TYPE> type_stack;
+  ChildList children;
 
   std::vector<ChildList*> holders;  // one for each entry in a list
   // Chain of the nodes that have the same parent, whether or not they stand in its list.

@@ -31,8 +31,8 @@ void Object::copy_state(const Object& other) {
   set_user_data_ptr(other.get_user_data_ptr());
   set_render_state(other.get_render_state(), nullptr);
 
-  Tripod& to = *data_->tripod;
-  Tripod& from = *other.data_->tripod;
+  Tripod& to = data_->tripod;
+  Tripod& from = other.data_->tripod;
   const vec4 angles = from.get_orientation_euler_angles();
   to.set_transform_order(from.get_transform_order());
   to.set_position(from.get_position());

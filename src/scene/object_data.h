@@ -6,7 +6,6 @@
 #include <orv/math/vec4.h>
 #include <orv/scene/tripod.h>
 
-#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -22,32 +21,33 @@ struct GridParams {
   bool show_lines = true;
 };
 
-/// The private block of an Object.
+/// The private block of an Object. What drawing reads stands first and close together.
 struct ObjectData {
-  std::unique_ptr<Tripod> tripod = std::make_unique<Tripod>();
+  std::vector<Material*> materials;  // each counted
+  Tripod tripod;
   bool build_state = true;
-  mat4 projection_matrix;
-  mat4 view_matrix;
-  vec4 absolute_position;             // value of the last get_absolute_position
-  mat4 absolute_transform;            // value of the last get_absolute_transform
-  GpuProgram* gpu_program = nullptr;  // counted
-  vec4 tripod_size{2.0f, 2.0f, 2.0f, 1.0f};
   bool display_tripod = false;
   bool display_grid = false;
   bool use_generic_vertex_attribs = true;
   bool use_fixed_mvp_matrices = false;
   bool send_camera_matrices = true;
-  GridParams grid;
-  std::vector<Material*> materials;  // each counted
-  // Of long lists, so that loaders may add materials without end; empty for others.
-  std::unordered_map<int, Material*> materials_by_id;
-  BoundingVolume bounding_volume;
+  mat4 absolute_transform;  // value of the last get_absolute_transform
 
   // Local transforms from the object up to the topmost ancestor, and their product: the product is
   // taken again only when one of them changed. Hosts may write through the pointers that Tripod
   // hands out, so the matrices themselves are compared.
   std::vector<mat4> chain;
   mat4 chain_product;
+
+  mat4 projection_matrix;
+  mat4 view_matrix;
+  vec4 absolute_position;             // value of the last get_absolute_position
+  GpuProgram* gpu_program = nullptr;  // counted
+  vec4 tripod_size{2.0f, 2.0f, 2.0f, 1.0f};
+  GridParams grid;
+  // Of long lists, so that loaders may add materials without end; empty for others.
+  std::unordered_map<int, Material*> materials_by_id;
+  BoundingVolume bounding_volume;
 };
 
 }  // namespace orv

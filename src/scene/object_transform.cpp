@@ -43,69 +43,69 @@ void write(float value, float* out) {
 
 // ---- local transform ------------------------------------------------------------------------
 
-void Object::set_position(float x, float y, float z) { data_->tripod->set_position(x, y, z, 1.0f); }
+void Object::set_position(float x, float y, float z) { data_->tripod.set_position(x, y, z, 1.0f); }
 
-void Object::set_position(const vec4& position) { data_->tripod->set_position(position); }
+void Object::set_position(const vec4& position) { data_->tripod.set_position(position); }
 
-const vec4& Object::get_position() const { return data_->tripod->get_position(); }
+const vec4& Object::get_position() const { return data_->tripod.get_position(); }
 
 void Object::set_orientation_euler_xyz(float x, float y, float z) {
-  data_->tripod->set_orientation_euler_angles(x, y, z);
+  data_->tripod.set_orientation_euler_angles(x, y, z);
 }
 
 void Object::set_orientation(const quat& orientation) {
-  data_->tripod->set_orientation(orientation);
+  data_->tripod.set_orientation(orientation);
 }
 
-const quat& Object::get_orientation() const { return data_->tripod->get_orientation(); }
+const quat& Object::get_orientation() const { return data_->tripod.get_orientation(); }
 
 void Object::get_orientation_euler_angles(float* x, float* y, float* z) const {
-  const vec4 angles = data_->tripod->get_orientation_euler_angles();
+  const vec4 angles = data_->tripod.get_orientation_euler_angles();
   write(angles.x, x);
   write(angles.y, y);
   write(angles.z, z);
 }
 
 void Object::get_orientation_vectors(vec4* x_axis, vec4* y_axis, vec4* z_axis) const {
-  data_->tripod->get_orientation_vectors(x_axis, y_axis, z_axis);
+  data_->tripod.get_orientation_vectors(x_axis, y_axis, z_axis);
 }
 
 void Object::get_orientation_vectors_v2(float* x_axis, float* y_axis, float* z_axis) const {
   vec4 x, y, z;
-  data_->tripod->get_orientation_vectors(&x, &y, &z);
+  data_->tripod.get_orientation_vectors(&x, &y, &z);
   write3(x, x_axis);
   write3(y, y_axis);
   write3(z, z_axis);
 }
 
-void Object::set_scale(float x, float y, float z) { data_->tripod->set_scale(x, y, z); }
+void Object::set_scale(float x, float y, float z) { data_->tripod.set_scale(x, y, z); }
 
-void Object::set_scale(const vec4& scale) { data_->tripod->set_scale(scale); }
+void Object::set_scale(const vec4& scale) { data_->tripod.set_scale(scale); }
 
-const vec4& Object::get_scale() const { return data_->tripod->get_scale(); }
+const vec4& Object::get_scale() const { return data_->tripod.get_scale(); }
 
-void Object::set_transform(const mat4& transform) { data_->tripod->set_transform(transform); }
+void Object::set_transform(const mat4& transform) { data_->tripod.set_transform(transform); }
 
-void Object::set_transform(float* transform) { data_->tripod->set_transform(transform); }
+void Object::set_transform(float* transform) { data_->tripod.set_transform(transform); }
 
 void Object::set_transform_v2(const mat4& transform, const vec4& position,
                               const quat& orientation) {
-  data_->tripod->set_transform_v2(transform, position, orientation);
+  data_->tripod.set_transform_v2(transform, position, orientation);
 }
 
-mat4& Object::get_transform() const { return *data_->tripod->get_transform_mat4_ptr(); }
+mat4& Object::get_transform() const { return *data_->tripod.get_transform_mat4_ptr(); }
 
-float* Object::get_transform_float_ptr() const { return data_->tripod->get_transform_ptr(); }
+float* Object::get_transform_float_ptr() const { return data_->tripod.get_transform_ptr(); }
 
-mat4* Object::get_transform_mat4_ptr() const { return data_->tripod->get_transform_mat4_ptr(); }
+mat4* Object::get_transform_mat4_ptr() const { return data_->tripod.get_transform_mat4_ptr(); }
 
-Tripod* Object::get_tripod() const { return data_->tripod.get(); }
+Tripod* Object::get_tripod() const { return &data_->tripod; }
 
 // ---- absolute transform ---------------------------------------------------------------------
 
 mat4& Object::get_absolute_transform() {
   const auto updated_transform = [](Node* object) -> const mat4& {
-    Tripod& tripod = *static_cast<Object*>(object)->data_->tripod;
+    Tripod& tripod = static_cast<Object*>(object)->data_->tripod;
     tripod.update_transform();
     return *tripod.get_transform_mat4_ptr();
   };
