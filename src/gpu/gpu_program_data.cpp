@@ -249,7 +249,7 @@ void* GpuProgramData::d3d11_get_shader_ptr(GPU_SHADER_TYPE type) const {
 void GpuProgramData::set_engine_uniform_name(ENGINE_UNIFORM which, const char* name) {
   if (which < 0 || which >= ENGINE_UNIFORM_COUNT || !name) return;
   replace_text(engine_uniform_names[which], copy_text(name));
-  uniform_index_->engine_records[which] = nullptr;
+  uniform_index_->engine_records[which].record = nullptr;
 }
 
 const char* GpuProgramData::get_engine_uniform_name(ENGINE_UNIFORM which) const {

@@ -207,17 +207,21 @@ GpuProgramUniform* GpuProgramData::uniform_to_set(unsigned int offset, GPU_SHADE
 
 GpuProgramUniform* GpuProgramData::engine_uniform(ENGINE_UNIFORM which) const {
   if (which < 0 || which >= ENGINE_UNIFORM_COUNT) return nullptr;
-  GpuProgramUniform*& record = uniform_index_->engine_records[which];
-  unsigned int& record_slot = uniform_index_->engine_slots[which];
+  UniformIndex::EngineRecord& known = uniform_index_->engine_records[which];
   // The list is open: another record may have come to the same place.
-  if (record && record_slot < num_uniform_slots && uniforms[record_slot] == record &&
-      uniform_name_key(record->name) == uniform_name_key(engine_uniform_names[which])) {
-    return record;
+  if (known.record && known.slot < num_uniform_slots && uniforms[known.slot] == known.record &&
+      known.wanted == engine_uniform_names[which] &&
+      std::memcmp(known.record->name, known.name, sizeof(known.name)) == 0) {
+    return known.record;
   }
   const int slot = find_slot(engine_uniform_names[which]);
-  record = slot < 0 ? nullptr : uniforms[slot];
-  record_slot = slot < 0 ? 0 : static_cast<unsigned int>(slot);
-  return record;
+  known = {};
+  if (slot < 0) return nullptr;
+  known.slot = static_cast<unsigned int>(slot);
+  known.record = uniforms[slot];
+  known.wanted = engine_uniform_names[which];
+  std::memcpy(known.name, known.record->name, sizeof(known.name));
+  return known.record;
 }
 
 bool GpuProgramData::is_engine_uniform_unused(ENGINE_UNIFORM which) const {

@@ -32,17 +32,24 @@ struct GpuProgramData::UniformCaches {
 };
 
 /// Finds slots by name: a table of slots with open addressing, beside the hash of each name. Also
-/// remembers the record of each engine uniform.
+/// remembers the record of each engine uniform, as every object that is drawn asks for all of them.
 struct GpuProgramData::UniformIndex {
   struct Entry {
     std::size_t hash = 0;
     unsigned int slot_plus_1 = 0;
   };
 
+  /// Where an engine uniform was found.
+  struct EngineRecord {
+    GpuProgramUniform* record = nullptr;
+    unsigned int slot = 0;
+    const char* wanted = nullptr;                     ///< its name in the program's record
+    char name[sizeof(GpuProgramUniform::name)] = {};  ///< the record's bytes at that time
+  };
+
   std::vector<Entry> table;
   std::size_t num_used = 0;
-  GpuProgramUniform* engine_records[ENGINE_UNIFORM_COUNT] = {};
-  unsigned int engine_slots[ENGINE_UNIFORM_COUNT] = {};
+  EngineRecord engine_records[ENGINE_UNIFORM_COUNT];
 
   void clear() { *this = UniformIndex(); }
 
