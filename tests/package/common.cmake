@@ -56,7 +56,9 @@ function(must_build_hosts folder)
   must(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/host -B ${folder}
     -DREADME_PROGRAM=${folder}/readme.cpp -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release
     -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} ${ARGN})
-  must(${CMAKE_COMMAND} --build ${folder} -j)
+  # A bare -j would start a compiler for every source at once.
+  cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
+  must(${CMAKE_COMMAND} --build ${folder} -j ${cores})
   must_draw(${folder}/host ${folder}/)
   must_run_readme_program(${folder}/readme ${folder})
 endfunction()
