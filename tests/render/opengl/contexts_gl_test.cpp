@@ -5,18 +5,29 @@
 using namespace orv;
 using namespace orv::test;
 
+namespace {
+
+// A second window with a context of its own; null when it was refused.
+RenderWindow* make_core_window(RendererOpenGL& renderer, OffscreenWindow& surface,
+                               RenderWindow* shared) {
+  RenderWindowData data;
+  data.native_window = surface.native_handle();
+  data.gl_major = 3;
+  data.core_profile = true;
+  RenderWindow* window = renderer.render_window_alloc();
+  return renderer.render_window_create_context(window, &data, shared) ? window : nullptr;
+}
+
+}  // namespace
+
 TEST(ContextsGlTest, GeometryIsDrawnInEachOfTwoContextsThatShareIt) {
   GlContext first(GlContext::CORE);
   ORV_REQUIRE_GL(first);
   RendererOpenGL& renderer = first.renderer();
   RenderWindow* one = first.window();
   OffscreenWindow surface(64, 64, OffscreenWindow::SOFTWARE);
-  RenderWindowData data;
-  data.native_window = surface.native_handle();
-  data.gl_major = 3;
-  data.core_profile = true;
-  RenderWindow* two = renderer.render_window_alloc();
-  ASSERT_TRUE(renderer.render_window_create_context(two, &data, one));
+  RenderWindow* two = make_core_window(renderer, surface, one);
+  ASSERT_NE(two, nullptr);
   ASSERT_TRUE(renderer.render_window_make_current(one, true));
 
   GeometryCore triangle;
@@ -50,12 +61,8 @@ TEST(ContextsGlTest, TexturesOfAContextThatSharesNothingStayThere) {
   RendererOpenGL& renderer = first.renderer();
   RenderWindow* one = first.window();
   OffscreenWindow surface(64, 64, OffscreenWindow::SOFTWARE);
-  RenderWindowData data;
-  data.native_window = surface.native_handle();
-  data.gl_major = 3;
-  data.core_profile = true;
-  RenderWindow* two = renderer.render_window_alloc();
-  ASSERT_TRUE(renderer.render_window_create_context(two, &data, nullptr));
+  RenderWindow* two = make_core_window(renderer, surface, nullptr);
+  ASSERT_NE(two, nullptr);
   ASSERT_TRUE(renderer.render_window_make_current(one, true));
   unsigned int texture = 0;
   ASSERT_TRUE(renderer.texture_create_2d_by_id(&texture, 4, 4, PF_RGBA_U8, nullptr,
