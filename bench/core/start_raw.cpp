@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/egl_format.h"
 #include "first_frame.h"
 
 namespace {
@@ -57,24 +58,9 @@ EGLContext replace_by_core(EGLDisplay display, EGLConfig config, EGLSurface surf
 int main(int argc, char** argv) {
   const EGLDisplay display = open_software_display();
   eglBindAPI(EGL_OPENGL_API);
-  const EGLint wanted[] = {EGL_SURFACE_TYPE,
-                           EGL_PBUFFER_BIT,
-                           EGL_RENDERABLE_TYPE,
-                           EGL_OPENGL_BIT,
-                           EGL_RED_SIZE,
-                           8,
-                           EGL_GREEN_SIZE,
-                           8,
-                           EGL_BLUE_SIZE,
-                           8,
-                           EGL_ALPHA_SIZE,
-                           8,
-                           EGL_DEPTH_SIZE,
-                           24,
-                           EGL_NONE};
   EGLConfig config = nullptr;
   EGLint count = 0;
-  if (!eglChooseConfig(display, wanted, &config, 1, &count) || count < 1) return 1;
+  if (!eglChooseConfig(display, bench::OFFSCREEN_FORMAT, &config, 1, &count) || count < 1) return 1;
   const EGLint size[] = {EGL_WIDTH, 640, EGL_HEIGHT, 480, EGL_NONE};
   const EGLSurface surface = eglCreatePbufferSurface(display, config, size);
   EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "common/egl_format.h"
+
 namespace bench {
 
 namespace {
@@ -50,24 +52,10 @@ const RawGl& raw_gl() {
 
 RawContext::RawContext(int width, int height, Profile profile) : display_(open_display()) {
   eglBindAPI(EGL_OPENGL_API);
-  const EGLint wanted[] = {EGL_SURFACE_TYPE,
-                           EGL_PBUFFER_BIT,
-                           EGL_RENDERABLE_TYPE,
-                           EGL_OPENGL_BIT,
-                           EGL_RED_SIZE,
-                           8,
-                           EGL_GREEN_SIZE,
-                           8,
-                           EGL_BLUE_SIZE,
-                           8,
-                           EGL_ALPHA_SIZE,
-                           8,
-                           EGL_DEPTH_SIZE,
-                           24,
-                           EGL_NONE};
   EGLConfig config = nullptr;
   EGLint count = 0;
-  if (!eglChooseConfig(display_, wanted, &config, 1, &count) || count < 1) give_up("no format");
+  if (!eglChooseConfig(display_, bench::OFFSCREEN_FORMAT, &config, 1, &count) || count < 1)
+    give_up("no format");
   const EGLint size[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
   surface_ = eglCreatePbufferSurface(display_, config, size);
   const EGLint core[] = {EGL_CONTEXT_MAJOR_VERSION,
