@@ -142,6 +142,24 @@ class Window;
 class Image;
 class ImageCodec;
 class FontData;
+class Font;
+
+// visual
+class ParticlePool;
+class ParticleEmitter;
+class ParticleAction;
+class ParticleSystem;
+class Graph2d;
+class MadLedBar;
+class MiniSpline;
+class Grid;
+class Skybox;
+namespace aux {
+class Hud;
+class TripodVisualizer;
+class TripodVisualizerCamera;
+class TripodVisualizerObject;
+}  // namespace aux
 
 // loaders
 class Loader3D;
