@@ -72,6 +72,17 @@ set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "real-time 3D graphics framework, shared li
 ${about}
 This package holds the shared library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+# What is loaded by name is not found by looking at the library: the packages of the files do it.
+if(ORV_LATE_LIBRARIES)
+  foreach(library ${ORV_ZIP_LIBRARY} ${ORV_FONTCONFIG_LIBRARY})
+    file(REAL_PATH ${library} file)
+    execute_process(COMMAND dpkg-query --search ${file} OUTPUT_VARIABLE owner
+      COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX REPLACE ":.*" "" owner "${owner}")
+    list(APPEND late_packages ${owner})
+  endforeach()
+  list(JOIN late_packages ", " CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS)
+endif()
 # Loaded by name at run time, as far as they are there.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "libegl1, libgl1, libx11-6")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${debian}/triggers)

@@ -23,6 +23,29 @@ orv_require_header(ORV_ZIP_INCLUDE zip.h libzip-dev)
 orv_require_library(ORV_ZIP_LIBRARY zip libzip-dev)
 orv_require_header(ORV_FONTCONFIG_INCLUDE fontconfig/fontconfig.h libfontconfig-dev)
 orv_require_library(ORV_FONTCONFIG_LIBRARY fontconfig libfontconfig-dev)
+
+# The name that programs linked with a shared library ask the system for.
+function(orv_read_soname variable file)
+  set(soname "")
+  if(file MATCHES "\\.so[.0-9]*$" AND CMAKE_OBJDUMP)
+    execute_process(COMMAND ${CMAKE_OBJDUMP} -p ${file} OUTPUT_VARIABLE headers ERROR_QUIET)
+    if(headers MATCHES "SONAME +([^ \n]+)")
+      set(soname ${CMAKE_MATCH_1})
+    endif()
+  endif()
+  set(${variable} "${soname}" PARENT_SCOPE)
+endfunction()
+
+# libzip and fontconfig bring ten libraries with them. As shared libraries they are loaded by name
+# with the first archive and the first system font; static ones are linked.
+orv_read_soname(ORV_ZIP_SONAME ${ORV_ZIP_LIBRARY})
+orv_read_soname(ORV_FONTCONFIG_SONAME ${ORV_FONTCONFIG_LIBRARY})
+if(ORV_ZIP_SONAME AND ORV_FONTCONFIG_SONAME)
+  set(ORV_LATE_LIBRARIES ON)
+else()
+  set(ORV_LATE_LIBRARIES OFF)
+endif()
+
 orv_require_header(ORV_X11_INCLUDE X11/Xlib.h libx11-dev)
 orv_require_header(ORV_GL_INCLUDE GL/glext.h libgl-dev)
 orv_require_header(ORV_GLX_INCLUDE GL/glx.h libgl-dev)

@@ -1,9 +1,28 @@
 #include "render/opengl/platform/system_font.h"
 
+#include <orv/core/log_mgr.h>
+
+#include "core/late_library.h"
+
 #include <fontconfig/fontconfig.h>
 
 namespace orv::detail {
 namespace {
+
+struct FontconfigLibrary {
+  OptionalLibrary library{ORV_FONTCONFIG_SONAME};
+  ORV_LATE_FUNCTION(FcConfigDestroy);
+  ORV_LATE_FUNCTION(FcConfigSubstitute);
+  ORV_LATE_FUNCTION(FcDefaultSubstitute);
+  ORV_LATE_FUNCTION(FcFontMatch);
+  ORV_LATE_FUNCTION(FcInitLoadConfigAndFonts);
+  ORV_LATE_FUNCTION(FcPatternAddInteger);
+  ORV_LATE_FUNCTION(FcPatternAddString);
+  ORV_LATE_FUNCTION(FcPatternCreate);
+  ORV_LATE_FUNCTION(FcPatternDestroy);
+  ORV_LATE_FUNCTION(FcPatternGetInteger);
+  ORV_LATE_FUNCTION(FcPatternGetString);
+};
 
 const FcChar8* as_fc(const char* text) { return reinterpret_cast<const FcChar8*>(text); }
 
@@ -11,29 +30,34 @@ const FcChar8* as_fc(const char* text) { return reinterpret_cast<const FcChar8*>
 
 FontFileName find_bold_font_file(const char* family) {
   FontFileName result;
-  FcConfig* config = FcInitLoadConfigAndFonts();
-  FcPattern* wanted = config && family ? FcPatternCreate() : nullptr;
+  static const FontconfigLibrary fc;
+  if (!fc.library.complete()) {
+    LogMgr::get().tracef_debug("fontconfig: %s", fc.library.fault());
+    return result;
+  }
+  FcConfig* config = fc.FcInitLoadConfigAndFonts();
+  FcPattern* wanted = config && family ? fc.FcPatternCreate() : nullptr;
   if (wanted) {
-    FcPatternAddString(wanted, FC_FAMILY, as_fc(family));
-    FcPatternAddInteger(wanted, FC_WEIGHT, FC_WEIGHT_BOLD);
-    FcPatternAddString(wanted, FC_FONTFORMAT, as_fc("TrueType"));
-    FcConfigSubstitute(config, wanted, FcMatchPattern);
-    FcDefaultSubstitute(wanted);
+    fc.FcPatternAddString(wanted, FC_FAMILY, as_fc(family));
+    fc.FcPatternAddInteger(wanted, FC_WEIGHT, FC_WEIGHT_BOLD);
+    fc.FcPatternAddString(wanted, FC_FONTFORMAT, as_fc("TrueType"));
+    fc.FcConfigSubstitute(config, wanted, FcMatchPattern);
+    fc.FcDefaultSubstitute(wanted);
     FcResult status = FcResultNoMatch;
-    FcPattern* match = FcFontMatch(config, wanted, &status);
+    FcPattern* match = fc.FcFontMatch(config, wanted, &status);
     FcChar8* path = nullptr;
-    if (match && FcPatternGetString(match, FC_FILE, 0, &path) == FcResultMatch && path) {
+    if (match && fc.FcPatternGetString(match, FC_FILE, 0, &path) == FcResultMatch && path) {
       result.path = reinterpret_cast<const char*>(path);
       // The upper half of the number picks a named instance of a variable font.
       int index = 0;
-      if (FcPatternGetInteger(match, FC_INDEX, 0, &index) == FcResultMatch) {
+      if (fc.FcPatternGetInteger(match, FC_INDEX, 0, &index) == FcResultMatch) {
         result.face_index = index & 0xFFFF;
       }
     }
-    if (match) FcPatternDestroy(match);
-    FcPatternDestroy(wanted);
+    if (match) fc.FcPatternDestroy(match);
+    fc.FcPatternDestroy(wanted);
   }
-  if (config) FcConfigDestroy(config);
+  if (config) fc.FcConfigDestroy(config);
   return result;
 }
 
