@@ -70,6 +70,46 @@ TEST_P(LinesAndPointsGlTest, ThickLineIsAsWideAsTold) {
   line._cleanup(&renderer);
 }
 
+TEST_P(LinesAndPointsGlTest, ThickLineIsThinWithoutItsProgram) {
+  Polyline line;
+  ASSERT_TRUE(line.wideline_initialize(nullptr, 5, 16.0f));
+  for (const float x : {-0.9f, -0.2f, 0.9f}) {
+    line.wideline_add_point(vec4(x, MIDDLE, 0, 1), vec4(0, 1, 0, 1));
+  }
+  line.render(&renderer, nullptr);
+  for (const int x : {8, 32, 58}) EXPECT_EQ(context.pixel(x, 32), GREEN) << x;
+  for (const int y : {29, 35}) EXPECT_EQ(context.pixel(32, y), BLACK) << y;
+  EXPECT_EQ(context.pixel(1, 32), BLACK) << "the first vertex gives adjacency alone";
+  line._cleanup(&renderer);
+}
+
+// Without a geometry shader the inner two vertices of each line are what is drawn, in every
+// version.
+TEST_P(LinesAndPointsGlTest, AdjacencyIsDrawnWithoutAGeometryShader) {
+  GpuProgramData program;
+  load_color_program(&program);
+  Polyline lines;
+  ASSERT_TRUE(lines.initialize(8, LINE_RENDER_LINES_ADJACENCY));
+  for (unsigned int i = 0; i < 8; ++i) {
+    // From x -0.75 to 0.75 at two heights; the outer vertices of each line stand far above.
+    const bool inner = i % 4 == 1 || i % 4 == 2;
+    const float y = i < 4 ? MIDDLE : MIDDLE - 0.5f;
+    lines.set_vertex_position(i, i % 4 < 2 ? -0.75f : 0.75f, inner ? y : 0.75f, 0);
+    lines.set_vertex_color(i, inner ? vec4(1, 1, 1, 1) : vec4(1, 0, 0, 1));
+  }
+  for (const bool programmed : {false, true}) {
+    clear();
+    renderer.gpu_program_bind(programmed ? &program : nullptr);
+    lines.render(&renderer, nullptr);
+    EXPECT_EQ(center(), WHITE) << programmed;
+    EXPECT_EQ(context.pixel(32, 16), WHITE) << programmed;
+    for (const int y : {24, 40, 56}) EXPECT_EQ(context.pixel(32, y), BLACK) << y << programmed;
+  }
+  renderer.gpu_program_bind(nullptr);
+  lines._cleanup(&renderer);
+  renderer.gpu_program_unload(&program);
+}
+
 TEST_P(LinesAndPointsGlTest, DrawRangeStaysWithinTheVertices) {
   Polyline line;
   ASSERT_TRUE(line.initialize(2, LINE_RENDER_LINES));

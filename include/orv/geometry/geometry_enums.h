@@ -15,6 +15,9 @@ enum VERTEX_ATTRIB_TYPE : int {
 };
 
 /// How vertices are assembled when drawn. Any other value draws triangles.
+///
+/// Adjacency needs no geometry shader: without one, and in OpenGL before 3.2, which has none, the
+/// lines between the inner vertices are drawn.
 enum PRIMITIVE_TYPE : int {
   PRIMITIVE_TRIANGLES = 0,             ///< three vertices each
   PRIMITIVE_TRIANGLE_STRIP = 1,        ///< each vertex makes one with the two before it

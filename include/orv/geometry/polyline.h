@@ -123,8 +123,8 @@ class ORV_API Polyline : public Object {
 
   /// @name Thick lines
   /// A line strip with adjacency that a geometry shader widens to quads. It needs OpenGL 3.2 or
-  /// later; without the program the strip is drawn thin. For p points in a row, p + 2 vertices are
-  /// needed.
+  /// later; without the program, as in older versions, the strip is drawn thin. For p points in a
+  /// row, p + 2 vertices are needed.
   ///
   /// The shader writes depth 0 for all of the line and takes the colours of a segment from the
   /// vertices one before its ends.

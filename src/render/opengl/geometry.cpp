@@ -137,6 +137,21 @@ IndexRange index_range(const DrawCounts& counts, long long first, long long last
 
 const void* as_offset(std::size_t offset) { return reinterpret_cast<const void*>(offset); }
 
+bool is_adjacency_mode(GLenum mode) {
+  return mode == GL_LINES_ADJACENCY || mode == GL_LINE_STRIP_ADJACENCY;
+}
+
+/// Calls draw(mode, first, count) for what a range is drawn with where OpenGL knows no adjacency:
+/// the lines between the inner vertices, as it draws itself where no geometry shader takes them.
+template <class Draw>
+void draw_inner_lines(GLenum mode, long long first, long long count, Draw draw) {
+  if (mode == GL_LINE_STRIP_ADJACENCY) {
+    if (count >= 4) draw(GL_LINE_STRIP, first + 1, count - 2);
+    return;
+  }
+  for (long long i = 0; i + 4 <= count; i += 4) draw(GL_LINES, first + i + 1, 2);
+}
+
 }  // namespace
 
 // ---- creating ----
@@ -337,51 +352,73 @@ bool RendererOpenGL::geometry_vbo_draw(GeometryCore* geometry) {
   if (!is_bound(*geometry)) return false;
   const GLenum mode =
       geometry->tessellation ? GL_PATCHES : gl_primitive_mode(geometry->primitive_type);
+  if (mode == GL_PATCHES && !gl_.glPatchParameteri) return false;
   const bool stand_in = is_core_program_missing();
   if (stand_in && (mode == GL_PATCHES || !begin_core_color_program())) return false;
   if (geometry->ibo == 0) {
     draw_arrays(*geometry, mode);
   } else {
-    draw_elements(geometry, mode);
+    draw_elements(*geometry, mode);
   }
   if (stand_in) end_core_color_program();
   return true;
 }
 
-void RendererOpenGL::draw_arrays(const GeometryCore& geometry, unsigned int mode) {
-  const long long first = std::max(geometry.draw_start, 0);
-  long long count = geometry.draw_count;
-  if (!geometry.is_external_vb_source()) {
-    count = std::min(count, available_vertices(geometry, draw_counts(geometry)) - first);
-  }
-  if (count <= 0) return;
-  const auto instances = static_cast<GLsizei>(std::min(geometry.num_instances, unsigned{INT_MAX}));
-  if (instances > 1 && gl_.glDrawArraysInstancedARB) {
-    gl_.glDrawArraysInstancedARB(mode, static_cast<GLint>(first), static_cast<GLsizei>(count),
-                                 instances);
+bool RendererOpenGL::has_adjacency() const {
+  return facts_.is_version_at_least(3, 2) || facts_.has_extension("GL_ARB_geometry_shader4") ||
+         facts_.has_extension("GL_EXT_geometry_shader4");
+}
+
+template <class Draw>
+void RendererOpenGL::draw_range(unsigned int mode, long long first, long long count, Draw draw) {
+  if (is_adjacency_mode(mode) && !has_adjacency()) {
+    draw_inner_lines(mode, first, count, draw);
   } else {
-    core_.glDrawArrays(mode, static_cast<GLint>(first), static_cast<GLsizei>(count));
+    draw(mode, first, count);
   }
 }
 
-void RendererOpenGL::draw_elements(GeometryCore* geometry, unsigned int mode) {
-  const DrawCounts counts = draw_counts(*geometry);
-  const GLenum type = counts.short_indices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT;
-  if (const MaterialSubset* subset = geometry->current_subset) {
-    const IndexRange range = index_range(counts, subset->start_face, subset->end_face);
-    const GLuint last_vertex = counts.vertices > 0 ? counts.vertices - 1 : 0;
-    if (gl_.glDrawRangeElements) {
-      gl_.glDrawRangeElements(mode, 0, last_vertex, range.count, type, as_offset(range.offset));
+void RendererOpenGL::draw_arrays(const GeometryCore& geometry, unsigned int mode) {
+  const long long start = std::max(geometry.draw_start, 0);
+  long long left = geometry.draw_count;
+  if (!geometry.is_external_vb_source()) {
+    left = std::min(left, available_vertices(geometry, draw_counts(geometry)) - start);
+  }
+  if (left <= 0) return;
+  const auto instances = static_cast<GLsizei>(std::min(geometry.num_instances, unsigned{INT_MAX}));
+  draw_range(mode, start, left, [&](GLenum run_mode, long long run_first, long long run_count) {
+    const auto first = static_cast<GLint>(run_first);
+    const auto count = static_cast<GLsizei>(run_count);
+    if (instances > 1 && gl_.glDrawArraysInstancedARB) {
+      gl_.glDrawArraysInstancedARB(run_mode, first, count, instances);
+    } else {
+      core_.glDrawArrays(run_mode, first, count);
     }
-    return;
-  }
-  const IndexRange range = index_range(counts, 0, static_cast<long long>(counts.faces) - 1);
-  const auto instances = static_cast<GLsizei>(std::min(geometry->num_instances, unsigned{INT_MAX}));
-  if (instances > 1 && gl_.glDrawElementsInstancedARB) {
-    gl_.glDrawElementsInstancedARB(mode, range.count, type, as_offset(0), instances);
-  } else {
-    core_.glDrawElements(mode, range.count, type, as_offset(0));
-  }
+  });
+}
+
+void RendererOpenGL::draw_elements(const GeometryCore& geometry, unsigned int mode) {
+  const DrawCounts counts = draw_counts(geometry);
+  const GLenum type = counts.short_indices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT;
+  const MaterialSubset* subset = geometry.current_subset;
+  const IndexRange range = subset
+                               ? index_range(counts, subset->start_face, subset->end_face)
+                               : index_range(counts, 0, static_cast<long long>(counts.faces) - 1);
+  const GLuint last_vertex = counts.vertices > 0 ? counts.vertices - 1 : 0;
+  const auto instances = static_cast<GLsizei>(std::min(geometry.num_instances, unsigned{INT_MAX}));
+  const std::size_t index_size = counts.short_indices ? 2 : 4;
+  draw_range(mode, 0, range.count, [&](GLenum run_mode, long long first, long long run_count) {
+    const auto count = static_cast<GLsizei>(run_count);
+    const void* place = as_offset(range.offset + static_cast<std::size_t>(first) * index_size);
+    if (subset) {
+      if (!gl_.glDrawRangeElements) return;
+      gl_.glDrawRangeElements(run_mode, 0, last_vertex, count, type, place);
+    } else if (instances > 1 && gl_.glDrawElementsInstancedARB) {
+      gl_.glDrawElementsInstancedARB(run_mode, count, type, place, instances);
+    } else {
+      core_.glDrawElements(run_mode, count, type, place);
+    }
+  });
 }
 
 void RendererOpenGL::draw_raw(unsigned int mode, unsigned int vertices_per_primitive,

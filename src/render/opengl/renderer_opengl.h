@@ -233,8 +233,12 @@ class RendererOpenGL : public Renderer {
   void write_parts(unsigned int target, const Part* parts, std::size_t count);
   void update_index_buffer(GeometryCore* geometry);
   void delete_index_buffer(GeometryCore* geometry);
+  /// Whether this OpenGL takes primitives with adjacency, which came with geometry shaders.
+  bool has_adjacency() const;
+  template <class Draw>
+  void draw_range(unsigned int mode, long long first, long long count, Draw draw);
   void draw_arrays(const GeometryCore& geometry, unsigned int mode);
-  void draw_elements(GeometryCore* geometry, unsigned int mode);
+  void draw_elements(const GeometryCore& geometry, unsigned int mode);
 
   // ---- geometry_attribs.cpp ----
   struct AttribPlan;
