@@ -36,12 +36,13 @@ class Frame {
   }
 
   vec3 point(const vec3& p) const { return apply(p, 1.0); }
-  /// Normals keep to the side that the triangles of the piece look to.
+  /// Normals stay on the side of the piece that they are on.
   vec3 normal(const vec3& n) const {
     vec3 sum;
     sum += cross(axes_[1], axes_[2]) * n.x;
     sum += cross(axes_[2], axes_[0]) * n.y;
     sum += cross(axes_[0], axes_[1]) * n.z;
+    if (is_mirrored()) sum = -sum;
     return sum.normalize();
   }
   bool is_mirrored() const {
@@ -96,6 +97,7 @@ class Interpreter {
   bool run() {
     if (!make_pieces()) return false;
     if (program_.entry == LSystemProgram::NO_NAME) return true;
+    sum_weights();
     call(program_.entry, State());
     for (int done = 0; !stack_.empty() && !full_ && done < MAX_STATEMENTS; ++done) {
       Call& top = stack_.back();
@@ -123,6 +125,15 @@ class Interpreter {
       pieces_.push_back(std::move(piece));
     }
     return true;
+  }
+
+  void sum_weights() {
+    for (const std::vector<LSystemRule>& rules : program_.rules) {
+      std::vector<double>& sums = weight_sums_.emplace_back();
+      for (const LSystemRule& rule : rules) {
+        sums.push_back(sums.empty() ? rule.weight : sums.back() + rule.weight);
+      }
+    }
   }
 
   void execute(const LSystemStatement& statement, State& state) {
@@ -171,20 +182,16 @@ class Interpreter {
       full_ = true;
       return;
     }
-    const LSystemRule& rule = pick(rules);
+    const LSystemRule& rule = rules.size() == 1 ? rules[0] : pick(rules, weight_sums_[name]);
     stack_.push_back({state, rule.begin, rule.end});
   }
 
-  const LSystemRule& pick(const std::vector<LSystemRule>& rules) {
-    if (rules.size() == 1) return rules[0];
-    double sum = 0.0;
-    for (const LSystemRule& rule : rules) sum += rule.weight;
-    double left = random_.next() * sum;
-    for (const LSystemRule& rule : rules) {
-      left -= rule.weight;
-      if (left < 0.0) return rule;
-    }
-    return rules.back();
+  const LSystemRule& pick(const std::vector<LSystemRule>& rules, const std::vector<double>& sums) {
+    const double place = random_.next() * sums.back();
+    const auto found = std::upper_bound(sums.begin(), sums.end(), place);
+    // All weights may be 0.
+    return found == sums.end() ? rules.back()
+                               : rules[static_cast<std::size_t>(found - sums.begin())];
   }
 
   /// Adds the first `n` points of a piece. False, with nothing added, when they don't fit or are
@@ -246,6 +253,7 @@ class Interpreter {
   ParRandom random_;
   ParShape tube_;
   std::vector<ParShape> pieces_;
+  std::vector<std::vector<double>> weight_sums_;  // of each name, up to each of its rules
   std::vector<Call> stack_;
   int calls_ = 0;
   bool full_ = false;

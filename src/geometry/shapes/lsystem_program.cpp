@@ -31,6 +31,7 @@ class TextTable {
 /// 0 for what is no number and for what is not finite.
 double number_of(std::string_view token) {
   double value = 0.0;
+  if (token.front() == '+') token.remove_prefix(1);
   std::from_chars(token.data(), token.data() + token.size(), value);
   return std::isfinite(value) ? value : 0.0;
 }

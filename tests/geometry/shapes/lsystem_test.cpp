@@ -79,7 +79,10 @@ TEST(LSystem, SignMayBeATokenOfItsOwn) {
   const ParShape joined = grow("rx -15 tx -2 shape tube");
   const ParShape parted = grow("rx - 15 tx - 2 shape tube");
   EXPECT_EQ(joined.points, parted.points);
-  EXPECT_NE(joined.points, grow("rx 15 tx 2 shape tube").points);
+  const ParShape positive = grow("rx 15 tx 2 shape tube");
+  EXPECT_NE(joined.points, positive.points);
+  EXPECT_EQ(positive.points, grow("rx +15 tx +2 shape tube").points);
+  EXPECT_EQ(grow("tx + shape tube").points, grow("shape tube").points) << "a sign is no number";
 }
 
 TEST(LSystem, AnythingBlankPartsWords) {
@@ -125,6 +128,27 @@ TEST(LSystem, MirroredFramesKeepTheirTrianglesOutside) {
   EXPECT_GT(normal.x * center.x + normal.y * center.y, 0.0f);
 }
 
+TEST(LSystem, NormalsLookOutwardsInEveryFrame) {
+  for (const char* frame : {"", "rx 30 ty 2", "sx -1", "sz -2", "sx -1 sy -1", "sa -1", "sx 3"}) {
+    const ParShape shape = grow(std::string(frame) + " shape tube tz 2 shape connect");
+    ASSERT_EQ(shape.points.size(), 15u);
+    for (const std::size_t ring : {0u, 5u, 10u}) {
+      vec3 middle;
+      for (std::size_t i = 0; i < 4; ++i) middle += shape.points[ring + i] * 0.25f;
+      for (std::size_t i = 0; i < 5; ++i) {
+        const vec3 outwards = shape.points[ring + i] - middle;
+        EXPECT_GT(outwards.dot(shape.normals[ring + i]), 0.3f) << frame;
+      }
+    }
+    for (const ParShape::Triangle& t : shape.triangles) {
+      const vec3& a = shape.points[t.a];
+      const vec3 face = (shape.points[t.b] - a).cross(shape.points[t.c] - a);
+      const vec3 mean = shape.normals[t.a] + shape.normals[t.b] + shape.normals[t.c];
+      EXPECT_GT(face.dot(mean), 0.0f) << frame;
+    }
+  }
+}
+
 // ---- rules ----
 
 TEST(LSystem, CallsWorkOnACopyOfTheState) {
@@ -162,6 +186,15 @@ TEST(LSystem, NumberBehindTheDotIsTheWeightOfARule) {
   ASSERT_EQ(counts.size(), 2u);
   EXPECT_NEAR(counts[10], 500, 80);
   EXPECT_NEAR(counts[20], 1500, 80);
+}
+
+TEST(LSystem, RulesWithoutWeightAreLeftAloneUnlessAllAre) {
+  for (int seed = 0; seed < 50; ++seed) {
+    const std::string two = "call a rule a.0 shape cube rule a.2 shape tube rule a.0 shape cube";
+    EXPECT_EQ(grow(two, 60, 4, seed).points.size(), 10u);
+    const std::string none = "call a rule a.0 shape cube rule a.0 shape tube";
+    EXPECT_EQ(grow(none, 60, 4, seed).points.size(), 10u) << "the last one";
+  }
 }
 
 TEST(LSystem, NamesKeepWhatIsNoWeight) {

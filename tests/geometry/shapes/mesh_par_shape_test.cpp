@@ -244,15 +244,15 @@ TEST(MeshParShape, SameSeedGivesTheSameRock) {
 }
 
 TEST(MeshParShape, RandomShapesLeaveTheSharedRandomNumbersAlone) {
-  std::srand(5);
-  const int expected = std::rand();
-  std::srand(5);
+  Math::srnd(5);
+  const float expected = Math::rnd(1.0f);
+  Math::srnd(5);
   const Held<MeshParShape> shape;
   for (const char* name : {"rock", "lsystem"}) {
     shape->set_shape_type(name);
     ASSERT_TRUE(shape->build_shape());
   }
-  EXPECT_EQ(std::rand(), expected);
+  EXPECT_EQ(Math::rnd(1.0f), expected);
 }
 
 // ---- surfaces ----

@@ -11,18 +11,20 @@ struct MeshParShapeData;
 
 /// A mesh that a generator makes, by the name of a shape:
 ///
-/// | name | what is made | parameters |
-/// |---|---|---|
-/// | "dodecahedron", "icosahedron", "octohedron" (so spelled), "tetrahedron" | platonic solid on
-/// the unit sphere, flat normals | | | "cube" | cube from -0.5 to 0.5, flat normals | | |
-/// "subdivided_sphere" | unit sphere from an icosahedron | subdivisions, 6 at most | |
-/// "trefoil_knot" | tube of radius 0.35 round a trefoil | slices round the tube, stacks along it, 3
-/// at least | | "klein_bottle" | the immersion with a figure-eight profile, radius 2 | slices,
-/// stacks | | "sphere" | unit sphere, poles on Z | slices, stacks, 3 at least | | "rock" | sphere
-/// with noise, flat at y -0.4; the same seed gives the same rock | seed, subdivisions | | "lsystem"
-/// | what a program grows, see set_build_params_lsystem | slices, depth, program, seed |
+/// - "tetrahedron", "octohedron" (so spelled), "dodecahedron", "icosahedron": platonic solid with
+///   its corners on the unit sphere and flat normals
+/// - "cube": from -0.5 to 0.5 on each axis, flat normals
+/// - "subdivided_sphere": unit sphere made of an icosahedron, 6 subdivisions at most
+/// - "sphere": unit sphere with its poles on Z, by slices round and stacks along the axis, 3 at
+///   least
+/// - "trefoil_knot": tube of radius 0.35 round a trefoil, by slices round and stacks along the
+///   tube, 3 at least
+/// - "klein_bottle": the immersion with a figure-eight profile, radius 2, by slices and stacks, 1
+///   at least. It has one side only: at one seam the normals turn over.
+/// - "rock": subdivided sphere with noise, cut flat at y -0.4. The same seed gives the same rock.
+/// - "lsystem": what a program grows, see set_build_params_lsystem
 ///
-/// Knot, bottle and sphere have texture coordinates from 0 to 1 over their grid of (slices + 1) *
+/// Sphere, knot and bottle have texture coordinates from 0 to 1 over a grid of (slices + 1) *
 /// (stacks + 1) vertices. A shape has 65536 vertices at most; a knot, bottle or sphere of more is
 /// refused. All vertices are white; normals have w 0.
 ///
@@ -60,15 +62,16 @@ class ORV_API MeshParShape : public Mesh {
 
   /// Parameters of a shape grown by a text program; true.
   ///
-  /// Words are parted by blanks and line ends. "rule NAME" begins a rule, what stands before the
-  /// first one is the rule "entry", where it starts. "call NAME" runs a rule of that name on a copy
-  /// of the state, unless the depth is reached; of several rules of one name, NAME.N is taken with
-  /// the weight N (1 without), by the seed. "rx", "ry", "rz" turn the frame by degrees, "tx", "ty",
-  /// "tz" move it, "sx", "sy", "sz", "sa" scale it, each followed by a number; "- 15" is the same
-  /// as
-  /// "-15". "shape tube" adds an open cylinder of radius 1 from z 0 to 1, "shape connect" a ring at
-  /// the frame that is joined to the last ring, "shape NAME" one of the solids. Other words are
-  /// passed over.
+  /// Words are parted by blanks and line ends.
+  /// - "rule NAME" begins a rule. What stands before the first one is the rule "entry", where the
+  ///   growth starts.
+  /// - "call NAME" runs a rule of that name on a copy of the state, unless the depth is reached. Of
+  ///   several rules of one name, NAME.N is taken with the weight N (1 without), by the seed.
+  /// - "rx", "ry", "rz" turn the frame by degrees, "tx", "ty", "tz" move it, "sx", "sy", "sz" and
+  ///   "sa" (all axes) scale it, each followed by a number: "15", "-15" or "- 15".
+  /// - "shape tube" adds an open cylinder of radius 1 from z 0 to 1, "shape connect" a ring at the
+  ///   frame that is joined to the last ring, "shape NAME" one of the solids.
+  /// - Other words are passed over.
   ///
   /// Growth ends, with what there is, at 65536 vertices and after 65536 calls. A program that ends
   /// within a statement is reported on the standard output.
