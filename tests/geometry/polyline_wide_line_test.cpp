@@ -4,11 +4,13 @@
 #include <orv/gpu/gpu_program.h>
 #include <orv/gpu/gpu_program_data.h>
 #include <orv/gpu/gpu_program_mgr.h>
+#include <orv/gpu/material.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "support/held.h"
 #include "support/log_capture.h"
@@ -130,6 +132,29 @@ TEST_F(WideLine, DrawingBindsTheProgramBehindTheMaterialAndUnbindsIt) {
   const Held<Polyline> plain;
   plain->_render(&renderer);
   EXPECT_EQ(renderer.count("gpu_program_bind"), 0) << "the next one draws without it";
+}
+
+TEST_F(WideLine, ProgramOfTheMaterialGivesWayToTheThickLine) {
+  ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
+  const Held<GpuProgram> surface;
+  auto* material = new Material;
+  material->set_gpu_program(surface);
+  line->add_material(material, nullptr);
+  renderer.label(state().program->get_data_ptr(), "wide");
+  renderer.label(surface->get_data_ptr(), "surface");
+  renderer.clear();
+  line->_render(&renderer);
+  std::vector<std::string> binds;
+  for (const std::string& call : renderer.calls()) {
+    if (call.find("gpu_program_bind(") == 0 || call.find("geometry_vbo_draw") == 0) {
+      binds.push_back(call);
+    }
+  }
+  ASSERT_EQ(binds.size(), 5u);
+  EXPECT_EQ(binds[0], "gpu_program_bind(surface)");
+  EXPECT_EQ(binds[1], "gpu_program_bind(wide)");
+  EXPECT_THAT(binds[2], HasSubstr("geometry_vbo_draw"));
+  EXPECT_EQ(binds.back(), "gpu_program_bind(null)");
 }
 
 TEST_F(WideLine, CleanupReleasesTheProgramThroughItsManager) {
