@@ -46,6 +46,7 @@ else()
   set(ORV_LATE_LIBRARIES OFF)
 endif()
 
+orv_require_header(ORV_NANOVG_INCLUDE nanovg_gl.h dpf-source PATHS /usr/share/dpf/dgl/src/nanovg)
 orv_require_header(ORV_X11_INCLUDE X11/Xlib.h libx11-dev)
 orv_require_header(ORV_GL_INCLUDE GL/glext.h libgl-dev)
 orv_require_header(ORV_GLX_INCLUDE GL/glx.h libgl-dev)

@@ -127,4 +127,5 @@
 #include <orv/scene/tripod.h>
 #include <orv/scene/viewport.h>
 #include <orv/text/font_data.h>
+#include <orv/text/nvg.h>
 #include <orv/version.h>

@@ -40,8 +40,9 @@ class OrvConan(ConanFile):
             self.requires(reference, headers=True, libs=True, visible=False)
 
     def system_requirements(self):
-        # No recipes exist for the first; the others are headers of the system's OpenGL and X11.
-        Apt(self).install(["lib3ds-dev", "libgl-dev", "libegl-dev", "libx11-dev"], check=True)
+        # No recipes exist for the first two; the others are headers of the system's OpenGL and X11.
+        Apt(self).install(["lib3ds-dev", "dpf-source", "libgl-dev", "libegl-dev", "libx11-dev"],
+                          check=True)
 
     def layout(self):
         cmake_layout(self)

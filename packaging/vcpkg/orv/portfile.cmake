@@ -5,11 +5,14 @@ get_filename_component(SOURCE_PATH "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE
 
 # Not among vcpkg's ports: they come from the system.
 find_path(LIB3DS_INCLUDE lib3ds/types.h PATHS /usr/include NO_DEFAULT_PATH)
+find_path(NANOVG_INCLUDE nanovg_gl.h PATHS /usr/share/dpf/dgl/src/nanovg NO_DEFAULT_PATH)
 find_path(X11_INCLUDE X11/Xlib.h PATHS /usr/include NO_DEFAULT_PATH)
 find_path(GLX_INCLUDE GL/glx.h PATHS /usr/include NO_DEFAULT_PATH)
 find_library(LIB3DS_LIBRARY 3ds PATHS /usr/lib/x86_64-linux-gnu /usr/lib64 /usr/lib NO_DEFAULT_PATH)
-if(NOT LIB3DS_INCLUDE OR NOT LIB3DS_LIBRARY OR NOT X11_INCLUDE OR NOT GLX_INCLUDE)
-  message(FATAL_ERROR "install the system's packages lib3ds-dev, libx11-dev and libgl-dev")
+if(NOT LIB3DS_INCLUDE OR NOT LIB3DS_LIBRARY OR NOT NANOVG_INCLUDE OR NOT X11_INCLUDE
+    OR NOT GLX_INCLUDE)
+  message(FATAL_ERROR
+    "install the system's packages lib3ds-dev, dpf-source, libx11-dev and libgl-dev")
 endif()
 
 # The sources include <stb/...>; vcpkg lays these headers flat.
@@ -29,6 +32,7 @@ vcpkg_cmake_configure(
     "-DORV_STB_INCLUDE=${stb}"
     "-DORV_LIB3DS_INCLUDE=${LIB3DS_INCLUDE}"
     "-DORV_LIB3DS_LIBRARY=${LIB3DS_LIBRARY}"
+    "-DORV_NANOVG_INCLUDE=${NANOVG_INCLUDE}"
     "-DORV_X11_INCLUDE=${X11_INCLUDE}"
     "-DORV_GLX_INCLUDE=${GLX_INCLUDE}"
 )

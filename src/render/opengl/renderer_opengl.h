@@ -24,7 +24,8 @@ namespace orv {
 
 namespace detail {
 class ContextBackEnd;
-}
+struct VectorContextAccess;
+}  // namespace detail
 
 /// Values of state for reading back. They never hold a call back: each setter makes its own.
 struct GlShadowState {
@@ -135,6 +136,7 @@ class RendererOpenGL : public Renderer {
 
  private:
   friend struct RendererOpenGLTestAccess;
+  friend struct detail::VectorContextAccess;
 
   // ---- start.cpp ----
   bool read_facts();

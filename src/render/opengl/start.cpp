@@ -8,6 +8,7 @@
 
 #include "core/core_author.h"
 #include "render/opengl/renderer_opengl.h"
+#include "render/vector_context.h"
 
 namespace orv {
 
@@ -126,6 +127,7 @@ bool RendererOpenGL::stop() {
   LogMgr::get().tracef_debug("plugin %s (id=%d) - stop()", get_name(), getid());
   // Without a context there is nothing left to delete, and nowhere to send it.
   if (!has_current_context()) clear_tables();
+  detail::release_vector_contexts(this);
   gpu_render_target_killall(nullptr);
   reserved_killall_2(nullptr);
   reserved_killall_1(nullptr);
