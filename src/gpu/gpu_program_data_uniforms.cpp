@@ -70,9 +70,11 @@ void GpuProgramData::kill_uniforms() {
 void GpuProgramData::copy_uniforms(const GpuProgramData& other) {
   kill_uniforms();
   num_uniform_slots = other.num_uniform_slots;
-  if (other.uniforms) uniforms = new GpuProgramUniform* [num_uniform_slots] {};
-  for (unsigned int i = 0; uniforms && i < num_uniform_slots; ++i) {
-    if (other.uniforms[i]) uniforms[i] = new GpuProgramUniform(*other.uniforms[i]);
+  if (other.uniforms) {
+    uniforms = new GpuProgramUniform* [num_uniform_slots] {};
+    for (unsigned int i = 0; i < num_uniform_slots; ++i) {
+      if (other.uniforms[i]) uniforms[i] = new GpuProgramUniform(*other.uniforms[i]);
+    }
   }
   std::copy_n(other.num_subroutine_uniforms, NUM_SUBROUTINE_STAGES, num_subroutine_uniforms);
   *uniform_caches_ = *other.uniform_caches_;

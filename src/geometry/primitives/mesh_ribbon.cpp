@@ -27,6 +27,7 @@ MeshRibbon::~MeshRibbon() { delete ribbon_; }
 MeshRibbon::MeshRibbon(const MeshRibbon& other) : MeshRibbon() { *this = other; }
 
 MeshRibbon& MeshRibbon::operator=(const MeshRibbon& other) {
+  if (this == &other) return *this;
   Mesh::operator=(other);
   *ribbon_ = *other.ribbon_;
   return *this;

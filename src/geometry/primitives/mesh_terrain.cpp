@@ -36,6 +36,7 @@ MeshTerrain::~MeshTerrain() { delete terrain_; }
 MeshTerrain::MeshTerrain(const MeshTerrain& other) : MeshTerrain() { *this = other; }
 
 MeshTerrain& MeshTerrain::operator=(const MeshTerrain& other) {
+  if (this == &other) return *this;
   Mesh::operator=(other);
   *terrain_ = *other.terrain_;
   return *this;
@@ -76,7 +77,7 @@ bool MeshTerrain::init_terrain_buffer(Texture* texture) {
                                static_cast<unsigned long>(width * height));
     return false;
   }
-  for (std::size_t i = 0; i < heights.size(); ++i) {
+  for (std::size_t i = 0; image && i < heights.size(); ++i) {
     const float height_of_texel = image->get_r(static_cast<unsigned int>(i));
     heights[i] = height_of_texel == -1.0f ? 0.0f : height_of_texel;
   }

@@ -65,6 +65,7 @@ MeshParShape::~MeshParShape() { delete par_data_; }
 MeshParShape::MeshParShape(const MeshParShape& other) : MeshParShape() { *this = other; }
 
 MeshParShape& MeshParShape::operator=(const MeshParShape& other) {
+  if (this == &other) return *this;
   Mesh::operator=(other);
   *par_data_ = *other.par_data_;
   return *this;
