@@ -129,3 +129,12 @@
 #include <orv/text/font_data.h>
 #include <orv/text/nvg.h>
 #include <orv/version.h>
+#include <orv/visual/graph2d.h>
+#include <orv/visual/grid.h>
+#include <orv/visual/hud.h>
+#include <orv/visual/mad_led_bar.h>
+#include <orv/visual/mini_spline.h>
+#include <orv/visual/skybox.h>
+#include <orv/visual/tripod_visualizer.h>
+#include <orv/visual/tripod_visualizer_camera.h>
+#include <orv/visual/tripod_visualizer_object.h>

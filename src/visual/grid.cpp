@@ -38,17 +38,25 @@ class LineList {
 
 /// One set of parallel lines.
 struct Side {
-  vec4 along;   ///< a line from end to end
-  vec4 across;  ///< from the first line to the last
+  bool along_x;
+  float length;  ///< of a line
+  float spread;  ///< from the first line to the last
   int cells;
   vec4 axis_color;
 
-  void add_line(LineList& list, float t, const vec4& color) const {
-    const float x = across.x * t, z = across.z * t;
-    list.add(vec4(x - along.x * 0.5f, 0.0f, z - along.z * 0.5f, 1.0f),
-             vec4(x + along.x * 0.5f, 0.0f, z + along.z * 0.5f, 1.0f), color);
+  void add_line(LineList& list, float place, const vec4& color) const {
+    const float end = length * 0.5f;
+    if (along_x) {
+      list.add(vec4(-end, 0.0f, place, 1.0f), vec4(end, 0.0f, place, 1.0f), color);
+    } else {
+      list.add(vec4(place, 0.0f, -end, 1.0f), vec4(place, 0.0f, end, 1.0f), color);
+    }
   }
-  float place(int i) const { return static_cast<float>(i) / static_cast<float>(cells) - 0.5f; }
+  float place(int i) const {
+    // The border is met exactly, whatever the cells' size is rounded to.
+    if (i == cells) return spread * 0.5f;
+    return spread * -0.5f + spread / static_cast<float>(cells) * static_cast<float>(i);
+  }
 };
 
 }  // namespace
@@ -73,9 +81,9 @@ struct GridData {
 
 void GridData::rebuild() {
   constexpr int MAX_CELLS = 4096;
-  const vec4 x_side(width, 0.0f, 0.0f, 1.0f), z_side(0.0f, 0.0f, depth, 1.0f);
-  const Side sides[2] = {{x_side, z_side, std::min(num_subdiv_z, MAX_CELLS), main_x_axis_color},
-                         {z_side, x_side, std::min(num_subdiv_x, MAX_CELLS), main_z_axis_color}};
+  const Side sides[2] = {
+      {true, width, depth, std::min(num_subdiv_z, MAX_CELLS), main_x_axis_color},
+      {false, depth, width, std::min(num_subdiv_x, MAX_CELLS), main_z_axis_color}};
   LineList main_list, subdiv_list;
   // Where lines cross at the same depth, the first one drawn is seen: the axes.
   for (const Side& side : sides) {
