@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Pairs the results of the benchmark programs and shows ours beside the peers.
 
-usage: report.py TARGETS.json OUT.json OUT.svg RESULT.json...
+usage: report.py TARGETS.json OUT RESULT.json...
 
+Prints the table, and writes it as OUT.json, OUT.md and, as bars, OUT.svg.
 The results are Google Benchmark's JSON files. A benchmark is named ROAD/ours or ROAD/PEER; its
 repetitions are reduced to their median here. A counter named "bytes" stands for memory and one named
 "seconds" for a time measured by the program itself: either takes the place of the CPU time.
@@ -101,6 +102,19 @@ def print_table(rows):
               f"{row['ratio']:>8.2f}{target:>10}{missed}")
 
 
+def write_markdown(rows, path):
+    """The same table for a page of the documentation; a ratio beyond its target is bold."""
+    lines = ["| road | beside | ours | beside | ratio | target |", "|---|---|--:|--:|--:|--:|"]
+    for row in rows:
+        ratio = f"{row['ratio']:.2f}"
+        if row["reached"] is False:
+            ratio = f"**{ratio}**"
+        lines.append(f"| {row['road']} | {row['peer']} | {text_of(row['ours'], row['unit'])} | "
+                     f"{text_of(row['theirs'], row['unit'])} | {ratio} | {text_of_target(row)} |")
+    with open(path, "w", encoding="utf-8") as file:
+        file.write("\n".join(lines) + "\n")
+
+
 def write_chart(rows, path):
     """A bar a road: our share of the peer's cost, with a mark at the wanted share."""
     left, scale, line = 380, 220, 22
@@ -131,15 +145,16 @@ def write_chart(rows, path):
 
 
 def main():
-    if len(sys.argv) < 5:
+    if len(sys.argv) < 4:
         sys.exit(__doc__)
-    targets_path, out_json, out_svg, *paths = sys.argv[1:]
+    targets_path, out, *paths = sys.argv[1:]
     with open(targets_path, encoding="utf-8") as file:
         targets = json.load(file)
     rows = make_rows(*read_results(paths), targets)
-    with open(out_json, "w", encoding="utf-8") as file:
+    with open(out + ".json", "w", encoding="utf-8") as file:
         json.dump(rows, file, indent=1)
-    write_chart(rows, out_svg)
+    write_chart(rows, out + ".svg")
+    write_markdown(rows, out + ".md")
     print_table(rows)
 
 

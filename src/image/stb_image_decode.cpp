@@ -22,23 +22,26 @@ constexpr std::size_t SMALL_BLOCKS = std::size_t{1} << 20;
 /// that tells a length, data that swells far beyond the picture.
 thread_local std::size_t block_limit = SMALL_BLOCKS;
 
-/// Blocks are zeroed: of a file that ends early the decoder hands out pixels, and uses tables, that
-/// it never wrote. They come from new[], so that an image can take the last one over.
-void* allocate_block(std::size_t size) {
+/// A block that begins with bytes of another one and is zeroed behind them: of a file that ends
+/// early the decoder hands out pixels, and uses tables, that it never wrote. Blocks come from
+/// new[], so that an image can take the last one over.
+void* copy_block(const void* source, std::size_t copied, std::size_t size) {
   if (size > block_limit) return nullptr;
   unsigned char* block = new (std::nothrow) unsigned char[size];
   if (!block) return nullptr;
   orv::detail::advise_large_pages(block, size);
-  return std::memset(block, 0, size);
+  if (copied > 0) std::memcpy(block, source, copied);
+  std::memset(block + copied, 0, size - copied);
+  return block;
 }
+
+void* allocate_block(std::size_t size) { return copy_block(nullptr, 0, size); }
 
 void free_block(void* block) { delete[] static_cast<unsigned char*>(block); }
 
 void* resize_block(void* block, std::size_t old_size, std::size_t size) {
-  void* resized = allocate_block(size);
-  if (!resized) return nullptr;
-  if (block) std::memcpy(resized, block, std::min(old_size, size));
-  free_block(block);
+  void* resized = copy_block(block, block ? std::min(old_size, size) : 0, size);
+  if (resized) free_block(block);
   return resized;
 }
 
