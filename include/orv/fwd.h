@@ -27,6 +27,8 @@ enum PIXEL_FORMAT : int;
 enum ORV_API3D : int;
 enum RENDERER_BLEND_FACTOR : int;
 enum ORV_PLATFORM_TYPE : int;
+enum PARTICLE_ACTION_TYPE : int;
+enum PARTICLE_EMITTER_TYPE : int;
 
 // core
 class Kernel;

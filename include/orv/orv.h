@@ -126,6 +126,7 @@
 #include <orv/scene/scene_renderer.h>
 #include <orv/scene/tripod.h>
 #include <orv/scene/viewport.h>
+#include <orv/text/font.h>
 #include <orv/text/font_data.h>
 #include <orv/text/nvg.h>
 #include <orv/version.h>
@@ -134,6 +135,10 @@
 #include <orv/visual/hud.h>
 #include <orv/visual/mad_led_bar.h>
 #include <orv/visual/mini_spline.h>
+#include <orv/visual/particle_action.h>
+#include <orv/visual/particle_emitter.h>
+#include <orv/visual/particle_pool.h>
+#include <orv/visual/particle_system.h>
 #include <orv/visual/skybox.h>
 #include <orv/visual/tripod_visualizer.h>
 #include <orv/visual/tripod_visualizer_camera.h>

@@ -6,28 +6,29 @@
 #include <cmath>
 #include <utility>
 
+#include "math/random_state.h"
+
 namespace orv {
 
 // ---- random numbers ---------------------------------------------------------------------------
 
-namespace {
-
-thread_local unsigned int random_state = 1;
-constexpr float RANDOM_SCALE = 1.0f / 32768.0f;
-
-}  // namespace
-
-int Math::rand15() {
-  random_state = random_state * 214013u + 2531011u;
-  return static_cast<int>((random_state >> 16) & 0x7fffu);
+unsigned int& detail::random_state() {
+  thread_local unsigned int state = 1;
+  return state;
 }
 
-void Math::srnd(unsigned int seed) { random_state = seed; }
+int Math::rand15() {
+  unsigned int& state = detail::random_state();
+  state = state * detail::RANDOM_FACTOR + detail::RANDOM_ADDEND;
+  return detail::random_number(state);
+}
 
-float Math::rnd(float a) { return static_cast<float>(rand15()) * (a * RANDOM_SCALE); }
+void Math::srnd(unsigned int seed) { detail::random_state() = seed; }
+
+float Math::rnd(float a) { return static_cast<float>(rand15()) * (a * detail::RANDOM_SCALE); }
 
 float Math::rnd(float a, float b) {
-  return static_cast<float>(rand15()) * ((b - a) * RANDOM_SCALE) + a;
+  return static_cast<float>(rand15()) * ((b - a) * detail::RANDOM_SCALE) + a;
 }
 
 // ---- lines and rays ---------------------------------------------------------------------------

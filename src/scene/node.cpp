@@ -194,7 +194,7 @@ int Node::get_ref() const { return data_->ref; }
 bool Node::stands_below(const Node* other) const {
   if (other == this) return true;
   const NodeData& above = NodeData::of(other);
-  if (above.children.size() == 0 && !above.first_ward) return false;
+  if (above.children.size() == 0 && !above.first_ward && !above.has_other_lists) return false;
   std::unordered_set<const Node*> seen;
   std::vector<const Node*> waiting{this};
   while (!waiting.empty()) {

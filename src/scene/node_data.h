@@ -48,6 +48,10 @@ struct NodeData {
   NodeData& operator=(const NodeData&) = delete;
 
   static NodeData& of(const Node* node) { return *node->data_; }
+  // Whether `other` is `node` or stands above it.
+  static bool stands_below(const Node* node, const Node* other) {
+    return node->stands_below(other);
+  }
 
   void set_parent(Node* new_parent);
   void leave_all_lists();
@@ -65,6 +69,7 @@ struct NodeData {
   std::string name;
   std::vector<NODE_TYPE> type_stack;
   ChildList children;
+  bool has_other_lists = false;  // nodes that it owns stand in lists of a derived class
 
   std::vector<ChildList*> holders;  // one for each entry in a list
   // Chain of the nodes that have the same parent, whether or not they stand in its list.
