@@ -275,10 +275,9 @@ bool TextureMgr::load_texture_2d_from_truetype_file(Texture* texture, const char
   if (!texture || !filename || width <= 0 || height <= 0) return false;
   if (static_cast<std::int64_t>(width) * height > INT_MAX) return false;
   std::vector<unsigned char> file;
-  detail::TrueTypeFace face;
   const char* fault = nullptr;
-  if (!detail::read_whole_file(filename, file, &fault) || !face.load(file.data(), file.size(), 0)) {
-    LogMgr::get().tracef_debug("font %s: %s", filename, fault ? fault : "not a TrueType font");
+  if (!detail::read_whole_file(filename, file, &fault)) {
+    LogMgr::get().tracef_debug("font %s: %s", filename, fault);
     return false;
   }
   Image image;
@@ -288,8 +287,13 @@ bool TextureMgr::load_texture_2d_from_truetype_file(Texture* texture, const char
   }
   // A picture too small for all characters shows those that fit.
   std::vector<detail::BakedChar> glyphs(NUM_CHARACTERS);
-  detail::bake_font_bitmap(file.data(), file.size(), pixel_height, image.u8_ptr, width, height,
-                           FIRST_CHARACTER, NUM_CHARACTERS, glyphs.data());
+  fault = detail::bake_font_bitmap(file.data(), file.size(), pixel_height, image.u8_ptr, width,
+                                   height, FIRST_CHARACTER, NUM_CHARACTERS, glyphs.data())
+              .fault;
+  if (fault) {
+    LogMgr::get().tracef_debug("font %s: %s", filename, fault);
+    return false;
+  }
   if (!hand_over(texture, image) || !texture->get_data_ptr()) return false;
   texture->get_data_ptr()->type = TEXTURE_2D;
   return true;

@@ -16,13 +16,20 @@ struct BakedChar {
   float xadvance;                 ///< pen movement
 };
 
+/// What became of baking.
+struct BakeResult {
+  /// Why nothing was baked, never freed; null for a sound font, whether or not all characters
+  /// fitted.
+  const char* fault = nullptr;
+  int num_baked = 0;  ///< characters that fitted
+};
+
 /// Draws `num_chars` characters from `first_char` on into a bitmap of one byte a pixel and writes
-/// a row for each to `out`, both of which are zeroed first.
-/// Gives the first unused row of the bitmap; minus the number of characters that fitted when not
-/// all did; -1 or 0 when the data are no TrueType font with glyph outlines or an argument is bad.
-int bake_font_bitmap(const unsigned char* data, std::size_t size, float pixel_height,
-                     unsigned char* pixels, int width, int height, int first_char, int num_chars,
-                     BakedChar* out);
+/// a row for each to `out`, both of which are zeroed first. What does not fit ends the work; the
+/// rows behind it stay zero. A character that the font lacks gives the font's sign for it.
+BakeResult bake_font_bitmap(const unsigned char* data, std::size_t size, float pixel_height,
+                            unsigned char* pixels, int width, int height, int first_char,
+                            int num_chars, BakedChar* out);
 
 /// One glyph as coverage, one byte a pixel, upper row first.
 struct GlyphBitmap {

@@ -44,7 +44,8 @@ TEST_F(TextureMgrTest, CharactersZeroTo254AreBaked) {
     Bytes pixels(256 * 512);
     std::vector<detail::BakedChar> glyphs(static_cast<std::size_t>(count));
     EXPECT_GT(detail::bake_font_bitmap(font.data(), font.size(), 24, pixels.data(), 256, 512, first,
-                                       count, glyphs.data()),
+                                       count, glyphs.data())
+                  .num_baked,
               0);
     return std::memcmp(texture->get_pixmap_u8_ptr(), pixels.data(), pixels.size()) == 0;
   };
