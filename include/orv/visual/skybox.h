@@ -44,11 +44,8 @@ class ORV_API Skybox : public Object {
 
   /// @{
   /// Loads and uploads six pictures of one square size, in the order +X, -X, +Y, -Y, +Z, -Z, in
-  /// place of the present cube map, which stays when one of them fails. False then, and for null
-  /// arguments.
-  /// @param renderer  uploads the cube map
-  /// @param names     six paths
-  /// @param format    format of the pixels on the GPU
+  /// place of the present cube map, which stays when one of them fails. `names` holds six paths;
+  /// pixels are of that format on the GPU. False when it fails and for null arguments.
   bool load_all_faces_from_files(Renderer* renderer, const char** names, PIXEL_FORMAT format);
   bool load_all_faces_from_files(Renderer* renderer, const char* positive_x, const char* negative_x,
                                  const char* positive_y, const char* negative_y,
