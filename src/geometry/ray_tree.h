@@ -3,10 +3,13 @@
 #include <orv/math/lanes.h>
 #include <orv/math/ray.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "core/large_array.h"
+#include "geometry/plane_tree.h"
+#include "geometry/ray_query.h"
 #include "geometry/ray_walk.h"
 
 namespace orv {
@@ -18,19 +21,24 @@ namespace orv {
 ///
 /// - Away from grazing, the point that the arithmetic takes for the hit lies next to the triangle,
 ///   by a margin that grows with the distance, with the shape of the triangle and towards grazing.
-///   Boxes are widened by it when they are tested.
-/// - A ray that runs in the plane of a triangle may be found to hit it although it passes far away,
-///   since all that is left in the arithmetic is rounding. Flat parts of a mesh, where this happens
-///   to rays that are aimed along them, are searched for such triangles too; of single triangles
-///   that a ray is in the plane of by chance, only those that it passes closely are found.
+///   Boxes are widened by a fixed part of it when they are tested.
+/// - A ray that runs nearly in the plane of a triangle may be found to hit it although it passes
+/// far
+///   away, since all that is left in the arithmetic is rounding. A second tree finds the triangles
+///   whose plane holds the ray so nearly.
 /// - Needles, whose margins would be as large as the mesh, and triangles with coordinates out of
 /// the
 ///   usual range are kept aside and tested with every ray. Triangles that have no area because two
 ///   corners are equal are never accepted; they are left out.
+///
+/// The bounds are derived in ray_tree_margins.h.
 class RayTree {
  public:
   /// More would take too much memory.
   static constexpr unsigned int MAX_FACES = 1u << 24;
+  /// Up to here the planes of all faces are searched, and the results are those of the walk for
+  /// every ray. Of larger meshes, those of flat parts alone.
+  static constexpr unsigned int MAX_EXACT_FACES = 1u << 17;
 
   /// Throws std::bad_alloc when the tree does not fit in memory.
   RayTree(const mat4& m, const RayVertices& vertices, const FaceAccess& faces);
@@ -45,30 +53,27 @@ class RayTree {
   std::size_t get_size() const;
 
  private:
-  struct Node {
-    lanes::float4 min;   // w: largest distance of a normal in the node from `axis`
-    lanes::float4 max;   // w: worst shape factor
-    lanes::float4 axis;  // middle of the normals, of length 1; w: radius round the box's middle
-    std::uint32_t child = 0;  // first of two nodes next to each other
-    std::uint32_t pack = NO_PACK;
-    std::uint32_t unused[2] = {};
+  static constexpr std::uint32_t WIDTH = 4;  // children of a node
+  static constexpr std::uint32_t LEAF = 0x80000000u;
+
+  /// Four children, each in a lane.
+  struct alignas(64) Node {
+    lanes::float4 bounds[6];     // least x, y, z, greatest x, y, z
+    lanes::float4 margin;        // multiple of BOX_MARGIN
+    std::uint32_t child[WIDTH];  // a node, or LEAF and a pack
   };
-  struct Pack {
-    TrianglePack triangles;
-    std::uint32_t face[4];
-  };
-  static_assert(sizeof(Node) == 64 && sizeof(Pack) == 160);
+  static_assert(sizeof(Node) == 128);
   struct Primitive;
+  struct Range;
   class Builder;
   class Search;
 
-  static constexpr std::uint32_t NO_PACK = 0xFFFFFFFFu;
-
-  std::vector<Node, detail::LargeArrayAllocator<Node>> nodes_;  // the first is the root
-  std::vector<Pack, detail::LargeArrayAllocator<Pack>> packs_;
-  std::vector<Pack> aside_;
-  float longest_edge_ = 0.0f;
-  std::vector<std::uint32_t> flats_;  // nodes whose triangles have one normal
+  detail::LargeVector<Node> nodes_;  // the first is the root
+  detail::LargeVector<RayPack> packs_;
+  std::vector<RayPack> aside_;
+  PlaneTree planes_;
+  lanes::float4 middle_ = {};
+  float reach_ = 0.0f;  // from the middle to the farthest corner, and the longest edge
 };
 
 }  // namespace orv

@@ -1,5 +1,4 @@
 #include <orv/math/mat4.h>
-#include <orv/math/vec3.h>
 
 #include <xmmintrin.h>
 
@@ -14,17 +13,14 @@
 namespace orv {
 
 using lanes::float4;
+using lanes::splat;
 
 namespace {
 
 constexpr unsigned int LEAF_SIZE = 4;
 constexpr int NUM_BINS = 16;
-/// From this depth on nodes are halved by count, so that no tree is deeper than a search can go.
+/// From this depth on ranges are halved by count, so that no tree is deeper than a search can go.
 constexpr unsigned int HALVING_DEPTH = 64;
-/// Normals of a flat part differ by no more; a finely divided sphere is far above it.
-constexpr float FLAT_SLACK = 3e-4f;
-/// Each costs a test for every ray.
-constexpr std::size_t MAX_FLATS = 32;
 
 float4 lowest(float4 a, float4 b) { return _mm_min_ps(a, b); }
 float4 highest(float4 a, float4 b) { return _mm_max_ps(a, b); }
@@ -35,8 +31,8 @@ float half_area(float4 min, float4 max) {
 }
 
 struct Extent {
-  float4 min = lanes::splat(std::numeric_limits<float>::max());
-  float4 max = lanes::splat(std::numeric_limits<float>::lowest());
+  float4 min = splat(std::numeric_limits<float>::max());
+  float4 max = splat(std::numeric_limits<float>::lowest());
 
   void add(float4 low, float4 high) {
     min = lowest(min, low);
@@ -52,13 +48,28 @@ struct Bin {
 
 }  // namespace
 
-/// A triangle while the tree is made; `min.w` is its face, exact up to MAX_FACES.
+/// A triangle while the tree is made. `min.w` is its face, exact up to MAX_FACES; `max.w` its g.
 struct RayTree::Primitive {
   float4 min;
   float4 max;
 
   float4 middle() const { return min + max; }  // twice the middle, which sorts alike
   unsigned int face() const { return static_cast<unsigned int>(min[3]); }
+};
+
+/// Primitives that will be one child of a node.
+struct RayTree::Range {
+  std::uint32_t begin = 0;
+  std::uint32_t end = 0;
+  std::uint32_t depth = 0;
+  Extent box;  // max.w: greatest g
+  Extent middles;
+
+  std::uint32_t size() const { return end - begin; }
+  void add(const Primitive& primitive) {
+    box.add(primitive.min, primitive.max);
+    middles.add(primitive.middle(), primitive.middle());
+  }
 };
 
 class RayTree::Builder {
@@ -78,26 +89,20 @@ class RayTree::Builder {
     place_aside();
     if (primitives_.empty()) return;
     split_all();
-    std::vector<Primitive, detail::LargeArrayAllocator<Primitive>>().swap(primitives_);
-    for (std::size_t i = tree_.nodes_.size(); i-- > 0;) finish(tree_.nodes_[i]);
-    find_flats();
+    detail::LargeVector<Primitive>().swap(primitives_);
+    const bool all_planes = faces_.size() <= MAX_EXACT_FACES;
+    tree_.planes_ = PlaneTree(tree_.packs_, tree_.middle_, radius_,
+                              all_planes ? PlaneTree::EVERYTHING : PlaneTree::FLAT_PARTS);
   }
 
  private:
-  struct Task {
-    std::uint32_t node;
-    std::uint32_t begin;
-    std::uint32_t end;
-    std::uint32_t depth;
-    Extent middles;
-  };
-
   const vec4& corner(unsigned int i) const { return i < world_.size() ? world_[i] : origin_; }
 
   // ---- sorting out ----
 
   void gather() {
     primitives_.reserve(faces_.size());
+    float longest_edge_squared = 0.0f;
     for (unsigned int face = 0; face < faces_.size(); ++face) {
       const FaceU32 f = faces_.get(face);
       const TriangleShape shape(corner(f.a), corner(f.b), corner(f.c));
@@ -106,18 +111,27 @@ class RayTree::Builder {
         aside_.push_back(face);
         continue;
       }
-      tree_.longest_edge_ = std::max(tree_.longest_edge_, shape.edge);
-      Primitive primitive;
-      primitive.min = shape.min;
-      primitive.max = shape.max;
+      longest_edge_squared = std::max(longest_edge_squared, shape.longest_edge_squared);
+      Primitive primitive{shape.min, shape.max};
       primitive.min[3] = static_cast<float>(face);
-      primitive.max[3] = 0.0f;
+      primitive.max[3] = shape.factor;
+      all_.add(primitive);
       primitives_.push_back(primitive);
     }
+    all_.end = static_cast<std::uint32_t>(primitives_.size());
+    set_measures(std::sqrt(longest_edge_squared));
   }
 
-  Pack make_pack(const std::uint32_t* faces, unsigned int count) const {
-    Pack pack;
+  void set_measures(float longest_edge) {
+    if (primitives_.empty()) return;
+    tree_.middle_ = (all_.box.min + all_.box.max) * splat(0.5f);
+    const float4 d = highest(all_.box.max - tree_.middle_, tree_.middle_ - all_.box.min);
+    radius_ = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]) * 1.001f;
+    tree_.reach_ = radius_ + longest_edge * 1.001f;
+  }
+
+  RayPack make_pack(const std::uint32_t* faces, unsigned int count) const {
+    RayPack pack;
     for (unsigned int k = 0; k < 4; ++k) {
       const std::uint32_t face = faces[std::min(k, count - 1)];
       pack.face[k] = face;
@@ -143,69 +157,124 @@ class RayTree::Builder {
   // ---- splitting ----
 
   void split_all() {
-    tree_.nodes_.reserve(primitives_.size());
-    tree_.packs_.reserve(primitives_.size() / 2);
-    Task root{0, 0, static_cast<std::uint32_t>(primitives_.size()), 0, Extent()};
-    for (const Primitive& primitive : primitives_) {
-      root.middles.add(primitive.middle(), primitive.middle());
-    }
+    struct Task {
+      std::uint32_t node;
+      Range range;
+    };
+    tree_.nodes_.reserve(primitives_.size() / 6 + 1);
+    tree_.packs_.reserve(primitives_.size() / 5 * 2 + 1);
     tree_.nodes_.emplace_back();
-    std::vector<Task> tasks{root};
+    std::vector<Task> tasks{{0, all_}};
     while (!tasks.empty()) {
       const Task task = tasks.back();
       tasks.pop_back();
-      if (task.end - task.begin <= LEAF_SIZE) {
-        make_leaf(task);
-        continue;
+      Range parts[WIDTH] = {task.range};
+      const unsigned int count = task.node == 0 ? split_by_factor(parts) : split(parts);
+      Node node = {};
+      for (unsigned int i = 0; i < WIDTH; ++i)
+        set_bounds(&node, i, i < count ? parts[i].box : Extent());
+      // Backwards, so that the first one is done next and its nodes follow.
+      for (unsigned int i = count; i-- > 0;) {
+        if (parts[i].size() <= LEAF_SIZE) {
+          node.child[i] = LEAF | add_leaf(parts[i]);
+          continue;
+        }
+        node.child[i] = static_cast<std::uint32_t>(tree_.nodes_.size());
+        tree_.nodes_.emplace_back();
+        tasks.push_back({node.child[i], parts[i]});
       }
-      const auto child = static_cast<std::uint32_t>(tree_.nodes_.size());
-      tree_.nodes_[task.node].child = child;
-      tree_.nodes_.emplace_back();
-      tree_.nodes_.emplace_back();
-      Task left{child, task.begin, task.begin, task.depth + 1, Extent()};
-      Task right{child + 1, task.end, task.end, task.depth + 1, Extent()};
-      if (!split_by_area(task, left, right)) split_in_half(task, left, right);
-      // The left one is done next, so that its nodes follow.
-      tasks.push_back(right);
-      tasks.push_back(left);
+      tree_.nodes_[task.node] = node;
     }
   }
 
-  void make_leaf(const Task& task) {
+  /// An empty extent is one that no ray meets.
+  static void set_bounds(Node* node, unsigned int i, const Extent& box) {
+    constexpr float FAR = 1e30f;
+    for (int axis = 0; axis < 3; ++axis) {
+      node->bounds[axis][i] = std::min(box.min[axis], FAR);
+      node->bounds[axis + 3][i] = std::max(box.max[axis], -FAR);
+    }
+    node->margin[i] = std::max(1.0f, box.max[3] * (1.0f / COMMON_FACTOR));
+  }
+
+  std::uint32_t add_leaf(const Range& range) {
     std::uint32_t faces[LEAF_SIZE];
-    const unsigned int count = task.end - task.begin;
-    for (unsigned int k = 0; k < count; ++k) faces[k] = primitives_[task.begin + k].face();
-    tree_.nodes_[task.node].pack = static_cast<std::uint32_t>(tree_.packs_.size());
-    tree_.packs_.push_back(make_pack(faces, count));
+    for (unsigned int k = 0; k < range.size(); ++k) faces[k] = primitives_[range.begin + k].face();
+    tree_.packs_.push_back(make_pack(faces, range.size()));
+    return static_cast<std::uint32_t>(tree_.packs_.size() - 1);
+  }
+
+  /// Splits the first of `parts`, and the largest part again, into as many as a node holds.
+  /// @return how many
+  unsigned int split(Range* parts) {
+    unsigned int count = 1;
+    while (count < WIDTH) {
+      unsigned int largest = 0;
+      for (unsigned int i = 1; i < count; ++i) {
+        if (parts[i].size() > parts[largest].size()) largest = i;
+      }
+      const Range whole = parts[largest];
+      if (whole.size() <= LEAF_SIZE) break;
+      if (!split_by_area(whole, &parts[largest], &parts[count])) {
+        split_in_half(whole, &parts[largest], &parts[count]);
+      }
+      ++count;
+    }
+    return count;
+  }
+
+  /// Splits the first of `parts` into what needs margins of its own.
+  /// @return how many
+  unsigned int split_by_factor(Range* parts) {
+    constexpr float LIMITS[] = {2.0f * COMMON_FACTOR, 16.0f * COMMON_FACTOR, MAX_FACTOR};
+    unsigned int count = 0;
+    auto begin = primitives_.begin();
+    for (const float limit : LIMITS) {
+      const auto end = std::partition(begin, primitives_.end(), [=](const Primitive& primitive) {
+        return primitive.max[3] <= limit;
+      });
+      if (begin == end) continue;
+      Range& part = parts[count++];
+      part = Range();
+      part.begin = static_cast<std::uint32_t>(begin - primitives_.begin());
+      part.end = static_cast<std::uint32_t>(end - primitives_.begin());
+      for (; begin != end; ++begin) part.add(*begin);
+    }
+    return count;
+  }
+
+  static void start(const Range& whole, Range* left, Range* right) {
+    *left = *right = Range();
+    left->depth = right->depth = whole.depth + 1;
+    left->begin = whole.begin;
+    right->end = whole.end;
   }
 
   /// Halves by count, where the middles are no help.
-  void split_in_half(const Task& task, Task& left, Task& right) const {
-    left.begin = task.begin;
-    left.end = right.begin = task.begin + (task.end - task.begin) / 2;
-    right.end = task.end;
-    for (std::uint32_t i = task.begin; i < task.end; ++i) {
-      const float4 middle = primitives_[i].middle();
-      (i < left.end ? left : right).middles.add(middle, middle);
+  void split_in_half(const Range& whole, Range* left, Range* right) const {
+    start(whole, left, right);
+    left->end = right->begin = whole.begin + whole.size() / 2;
+    for (std::uint32_t i = whole.begin; i < whole.end; ++i) {
+      (i < left->end ? left : right)->add(primitives_[i]);
     }
   }
 
   /// Splits along the axis on which the middles spread most, where the areas of the two sides times
   /// their counts are least. False when all middles fall on one side.
-  bool split_by_area(const Task& task, Task& left, Task& right) {
-    const float4 spread = task.middles.max - task.middles.min;
+  bool split_by_area(const Range& whole, Range* left, Range* right) {
+    const float4 spread = whole.middles.max - whole.middles.min;
     const int axis = spread[0] >= spread[1] ? (spread[0] >= spread[2] ? 0 : 2)
                                             : (spread[1] >= spread[2] ? 1 : 2);
-    const float from = task.middles.min[axis];
+    const float from = whole.middles.min[axis];
     const float scale = static_cast<float>(NUM_BINS) * 0.9999f / spread[axis];
-    if (task.depth >= HALVING_DEPTH || !(scale <= std::numeric_limits<float>::max())) return false;
+    if (whole.depth >= HALVING_DEPTH || !(scale <= std::numeric_limits<float>::max())) return false;
     const auto bin_of = [&](const Primitive& primitive) {
       const int bin = static_cast<int>((primitive.middle()[axis] - from) * scale);
       return std::min(bin, NUM_BINS - 1);
     };
 
     Bin bins[NUM_BINS];
-    for (std::uint32_t i = task.begin; i < task.end; ++i) {
+    for (std::uint32_t i = whole.begin; i < whole.end; ++i) {
       Bin& bin = bins[bin_of(primitives_[i])];
       bin.box.add(primitives_[i].min, primitives_[i].max);
       ++bin.count;
@@ -213,20 +282,23 @@ class RayTree::Builder {
     const int last_left = best_split(bins);
     if (last_left < 0) return false;
 
-    std::uint32_t i = task.begin;
-    std::uint32_t end = task.end;
+    start(whole, left, right);
+    std::uint32_t i = whole.begin;
+    std::uint32_t end = whole.end;
     while (i < end) {
       const float4 middle = primitives_[i].middle();
       if (bin_of(primitives_[i]) <= last_left) {
-        left.middles.add(middle, middle);
+        left->middles.add(middle, middle);
         ++i;
       } else {
-        right.middles.add(middle, middle);
+        right->middles.add(middle, middle);
         std::swap(primitives_[i], primitives_[--end]);
       }
     }
-    left.end = right.begin = i;
-    return left.end > left.begin && right.end > right.begin;
+    left->end = right->begin = i;
+    for (int bin = 0; bin < NUM_BINS; ++bin)
+      (bin <= last_left ? left : right)->box.add(bins[bin].box);
+    return true;
   }
 
   /// Last bin of the left side; -1 when one side stays empty.
@@ -256,87 +328,14 @@ class RayTree::Builder {
     return best;
   }
 
-  // ---- boxes and cones, from the leaves up ----
-
-  void finish(Node& node) const {
-    if (node.pack != NO_PACK) {
-      finish_leaf(node);
-    } else {
-      finish_inner(node, tree_.nodes_[node.child], tree_.nodes_[node.child + 1]);
-    }
-    const float4 d = (node.max - node.min) * lanes::splat(0.5f);
-    node.axis[3] = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]) * 1.0001f;
-  }
-
-  void finish_leaf(Node& node) const {
-    const Pack& pack = tree_.packs_[node.pack];
-    TriangleShape shapes[4];
-    for (unsigned int k = 0; k < 4; ++k) {
-      const auto place = [&](int c) {
-        const TrianglePack::Corner& corner = pack.triangles.corner[c];
-        return vec4(corner.x[k], corner.y[k], corner.z[k], 1.0f);
-      };
-      shapes[k] = TriangleShape(place(0), place(1), place(2));
-    }
-    Extent box;
-    float factor = 0.0f;
-    vec3 sum;
-    for (const TriangleShape& shape : shapes) {
-      box.add(shape.min, shape.max);
-      factor = std::max(factor, shape.factor);
-      sum = sum + (sum.dot(shape.normal) < 0.0f ? shape.normal * -1.0f : shape.normal);
-    }
-    sum.normalize();
-    float slack = 0.0f;
-    for (const TriangleShape& shape : shapes) {
-      const vec3 normal = sum.dot(shape.normal) < 0.0f ? shape.normal * -1.0f : shape.normal;
-      slack = std::max(slack, (normal - sum).length() + shape.normal_error());
-    }
-    node.min = box.min;
-    node.max = box.max;
-    node.axis = float4{sum.x, sum.y, sum.z, 0.0f};
-    node.min[3] = slack;
-    node.max[3] = factor;
-  }
-
-  static void finish_inner(Node& node, const Node& left, const Node& right) {
-    node.min = lowest(left.min, right.min);
-    node.max = highest(left.max, right.max);
-    const vec3 a(left.axis[0], left.axis[1], left.axis[2]);
-    vec3 b(right.axis[0], right.axis[1], right.axis[2]);
-    if (a.dot(b) < 0.0f) b = b * -1.0f;
-    vec3 axis = a + b;
-    axis.normalize();
-    const float slack =
-        std::max((axis - a).length() + left.min[3], (axis - b).length() + right.min[3]);
-    node.axis = float4{axis.x, axis.y, axis.z, 0.0f};
-    node.min[3] = slack * 1.0001f + 1e-6f;
-    node.max[3] = std::max(left.max[3], right.max[3]);
-  }
-
-  /// The topmost nodes of flat parts, the first ones where there are too many.
-  void find_flats() {
-    std::vector<std::uint32_t> stack{0};
-    while (!stack.empty() && tree_.flats_.size() < MAX_FLATS) {
-      const std::uint32_t index = stack.back();
-      stack.pop_back();
-      const Node& node = tree_.nodes_[index];
-      if (node.pack != NO_PACK) continue;
-      if (node.min[3] <= FLAT_SLACK) {
-        tree_.flats_.push_back(index);
-        continue;
-      }
-      stack.push_back(node.child + 1);
-      stack.push_back(node.child);
-    }
-  }
-
   RayTree& tree_;
   const FaceAccess& faces_;
-  std::vector<vec4, detail::LargeArrayAllocator<vec4>> world_;
+  detail::LargeVector<vec4> world_;
   vec4 origin_;
-  std::vector<Primitive, detail::LargeArrayAllocator<Primitive>> primitives_;
+  detail::LargeVector<Primitive> primitives_;
   std::vector<std::uint32_t> aside_;
+  Range all_;
+  float radius_ = 0.0f;
 };
 
 RayTree::RayTree(const mat4& m, const RayVertices& vertices, const FaceAccess& faces) {
@@ -344,8 +343,8 @@ RayTree::RayTree(const mat4& m, const RayVertices& vertices, const FaceAccess& f
 }
 
 std::size_t RayTree::get_size() const {
-  return nodes_.capacity() * sizeof(Node) + packs_.capacity() * sizeof(Pack) +
-         aside_.capacity() * sizeof(Pack);
+  return nodes_.capacity() * sizeof(Node) + packs_.capacity() * sizeof(RayPack) +
+         aside_.capacity() * sizeof(RayPack) + planes_.get_size();
 }
 
 }  // namespace orv

@@ -9,49 +9,61 @@
 
 namespace orv {
 
-// How far the rounded arithmetic of a ray and a triangle may be off. With a and b the edges from
-// the first corner, s the way from the origin to it, d the direction, c the cosine between d and
-// the normal, S = |s| + the longer edge: each of the three products and the determinant |a x b| |d|
-// c is off by at most 16 rounding units (2^-24) of the product of its lengths. From this follows
-// for an accepted triangle:
+// How far the rounded arithmetic of a ray and a triangle may be off, and what follows for a
+// triangle that it accepts. With the unit u = 2^-24, the edges a and b from the first corner, the
+// way s from the origin to it, the direction d of length |d|, and
 //
-// - the exact hit of its plane lies within ERROR * factor * S / c of the triangle, and the rounded
-//   distance along the ray is off by no more than that;
-// - |c| and the origin's distance h from the plane obey |h| <= 1.1 S (|c| + 6e-6 * factor) up to
-//   |c| = MAX_GRAZING.
+//   g = |a| |b| / |a x b|,   S = |s| + max(|a|, |b|),
+//   c = cosine between d and the normal,   h = distance of the origin from the plane,
 //
-// `factor` is (longer edge)^2 / |a x b|, the distance being one from the triangle, or |a| |b| /
-// |a x b| with the distance from the parallelogram of a and b.
+// each of the three numerators and the determinant |a x b| |d| c is a triple product. Its rounding
+// is below 6u times the product of the three lengths: 5u for the operations times at most 1.155 for
+// the permanent of the absolute values (Carlen, Lieb and Loss). Dividing by the determinant, and
+// with 4u S for the differences a, b and s themselves, this gives:
+//
+// 1. The exact hit of the plane lies within 16u g S / |c| of the triangle.
+// 2. So a point of the ray from which the triangle, seen along the ray, is no farther than r has a
+//    height over the plane of at most |c| r + 16u g S.
+// 3. Where |c| >= 64u g, the point at the rounded distance along the ray lies within 40u g S / |c|.
+//
+// Thus a triangle whose box, widened by some margin, is missed by the ray up to the best hit is
+// accepted only if its plane nearly holds the ray: RayTree finds the others, PlaneTree finds these.
 
-/// Largest error as a share of the distance, for a factor of 1 and a ray along the normal.
-inline constexpr float RAY_ERROR = 1e-5f;
-/// Cosine below which a ray may be treated as grazing.
-inline constexpr float MAX_GRAZING = 0.4f;
-/// Triangles with a greater factor are kept aside.
+/// 2^-24, half the distance from 1 to the next float.
+inline constexpr float ROUNDING = 5.9604645e-8f;
+/// Number 3 above.
+inline constexpr float HIT_REACH = 40.0f * ROUNDING;
+/// Cosine per g below which number 3 says nothing.
+inline constexpr float LEAST_COSINE = 64.0f * ROUNDING;
+/// What boxes are widened by as a share of S. A tenth of it is left to the rounding of the box
+/// test.
+inline constexpr float BOX_MARGIN = 2e-4f;
+inline constexpr float USABLE_MARGIN = 0.9f * BOX_MARGIN;
+/// From this g on boxes are widened more, in proportion.
+inline constexpr float COMMON_FACTOR = 2.0f;
+/// Triangles with a greater g are kept aside.
 inline constexpr float MAX_FACTOR = 256.0f;
 /// Coordinates and edges for which no product overflows or loses digits.
 inline constexpr float MAX_COORDINATE = 1e9f;
-inline constexpr float MIN_EDGE = 1e-9f;
+inline constexpr float MIN_EDGE = 1e-8f;
 
-/// Cosine from which on the box of a node is widened enough.
-inline float grazing_limit(float factor) { return std::min(0.1f * factor, MAX_GRAZING); }
-
-/// What boxes are widened by, as a share of S: 2 * RAY_ERROR * factor / grazing_limit(factor).
-inline float box_margin(float factor) {
-  return std::max(20.0f * RAY_ERROR, 2.0f * RAY_ERROR / MAX_GRAZING * factor);
-}
-
-/// What the tree has to know of a triangle.
+/// What the trees have to know of a triangle.
 struct TriangleShape {
   enum Kind { REGULAR, ASIDE, NEVER_HIT };
 
-  TriangleShape() = default;
   TriangleShape(const vec4& p0, const vec4& p1, const vec4& p2) {
-    const vec4 corners[3] = {p0, p1, p2};
-    for (const vec4& p : corners) {
-      for (const float x : {p.x, p.y, p.z}) {
-        if (!(std::fabs(x) <= MAX_COORDINATE)) return;
-      }
+    const lanes::float4 q0 = lanes::load(p0.ptr());
+    const lanes::float4 q1 = lanes::load(p1.ptr());
+    const lanes::float4 q2 = lanes::load(p2.ptr());
+    // An infinity or what is not a number makes the sum fail, whatever the comparisons take.
+    min = q1 < q0 ? q1 : q0;
+    min = q2 < min ? q2 : min;
+    max = q1 > q0 ? q1 : q0;
+    max = q2 > max ? q2 : max;
+    const lanes::float4 sum = (q0 - q0) + (q1 - q1) + (q2 - q2);
+    if (!(sum[0] + sum[1] + sum[2] == 0.0f)) return;
+    for (int axis = 0; axis < 3; ++axis) {
+      if (!(min[axis] >= -MAX_COORDINATE && max[axis] <= MAX_COORDINATE)) return;
     }
     const vec3 a = p0.get_vec3() - p1.get_vec3();
     const vec3 b = p0.get_vec3() - p2.get_vec3();
@@ -61,43 +73,18 @@ struct TriangleShape {
     }
     const float aa = a.dot(a);
     const float bb = b.dot(b);
-    normal = a.cross(b);
-    const float area = normal.length();
-    if (!(std::max(aa, bb) >= MIN_EDGE * MIN_EDGE) || !(area > 0.0f)) return;
-    normal = normal * (1.0f / area);
-    set_box(p0, p1, p2);
-    edge = std::sqrt(std::max(aa, bb));
-    factor = std::max(aa, bb) / area;
-    const float of_parallelogram = std::sqrt(aa) * std::sqrt(bb) / area;
-    if (factor > 8.0f && of_parallelogram < factor * 0.25f) {
-      factor = of_parallelogram;
-      widen_to(vec4(p1.get_vec3() - b));
-    }
-    factor = std::max(factor * 1.001f, 1.0f);
+    if (!(std::min(aa, bb) >= MIN_EDGE * MIN_EDGE)) return;
+    const vec3 normal = a.cross(b);
+    factor = std::sqrt(aa) * std::sqrt(bb) / std::sqrt(normal.dot(normal)) * 1.001f;
+    longest_edge_squared = std::max(aa, bb);
     if (factor <= MAX_FACTOR) kind = REGULAR;
   }
 
-  /// How far the rounded normal may be off.
-  float normal_error() const { return 2e-6f * factor; }
-
   Kind kind = ASIDE;
-  float factor = 1.0f;
-  float edge = 0.0f;  // the longer of a and b
-  vec3 normal;
-  lanes::float4 min = {};
-  lanes::float4 max = {};
-
- private:
-  void set_box(const vec4& p0, const vec4& p1, const vec4& p2) {
-    min = max = lanes::load(p0.ptr());
-    widen_to(p1);
-    widen_to(p2);
-  }
-  void widen_to(const vec4& p) {
-    const lanes::float4 v = lanes::load(p.ptr());
-    min = v < min ? v : min;
-    max = v > max ? v : max;
-  }
+  float factor = 0.0f;  // g, a little more than it is
+  float longest_edge_squared = 0.0f;
+  lanes::float4 min;
+  lanes::float4 max;
 };
 
 }  // namespace orv

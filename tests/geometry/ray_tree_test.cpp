@@ -49,6 +49,17 @@ class RayTreeSearch : public ::testing::Test {
     }
   }
 
+  /// Triangles of random corners in a cube of two units.
+  void make_soup(unsigned int faces, float edge) {
+    alloc(3 * faces, faces);
+    for (unsigned int i = 0; i < faces; ++i) {
+      const vec4 middle = random_point(1);
+      for (unsigned int k = 0; k < 3; ++k)
+        data_.set_position(3 * i + k, middle + random_point(edge));
+      data_.set_face_indices(i, 3 * i, 3 * i + 1, 3 * i + 2);
+    }
+  }
+
   RayVertices vertices() const {
     RayVertices result;
     result.first = data_.attrib_arrays[0]->data_vec4->ptr();
@@ -82,6 +93,29 @@ class RayTreeSearch : public ::testing::Test {
       ASSERT_EQ(std::memcmp(&found.distance, &walked.distance, sizeof(float)), 0) << "ray " << i;
     }
   }
+  /// A ray in the plane of a face picked at random, `far` edges away and along an edge or not.
+  Ray ray_in_the_plane_of_a_face(float far) {
+    const FaceAccess faces(data_);
+    const FaceU32 face =
+        faces.get(static_cast<unsigned int>(Math::rnd(0, static_cast<float>(faces.size()) - 0.5f)));
+    const vec4 corner = world(face.a);
+    const vec4 a = world(face.b) - corner;
+    const vec4 b = world(face.c) - corner;
+    const bool along_edge = Math::rnd(0, 1) < 0.3f;
+    const auto place = [&](float reach) {
+      return corner + a * Math::rnd(-reach, reach) +
+             b * (along_edge ? 0 : Math::rnd(-reach, reach));
+    };
+    return ray_from_to(place(far), place(3.0f));
+  }
+  void expect_agreement_in_planes_of_faces(int count) {
+    int i = 0;
+    expect_agreement(count, [&] {
+      constexpr float REACHES[] = {3.0f, 30.0f, 300.0f, 1e4f};
+      return ray_in_the_plane_of_a_face(REACHES[++i % 4]);
+    });
+  }
+
   void expect_agreement_of_random_rays(int count, float far = 3.0f) {
     expect_agreement(count, [&] { return ray_from_to(random_point(far), random_point(1)); });
   }
@@ -137,6 +171,107 @@ TEST_F(RayTreeSearch, FindsWhatRoundingFindsAlongAFlatMesh) {
     return ray_from_to(a + (b - a) * Math::rnd(-5, 5), c + (b - a) * Math::rnd(-5, 5));
   });
   EXPECT_GT(hits_, 100);
+}
+
+// Nor is the plane of a single face of a curved surface out of reach of rounding.
+TEST_F(RayTreeSearch, FindsWhatRoundingFindsInThePlanesOfSingleFaces) {
+  m_.init_euler_angles(12, -70, 25);
+  m_.set_translate(0.1f, 0.2f, -0.3f);
+  make_grid(20, [](float u, float v) {
+    const float a = u * 6.2831855f;
+    const float b = v * 6.2831855f;
+    const float ring = 1.0f + 0.4f * std::cos(b);
+    return vec4(ring * std::cos(a), 0.4f * std::sin(b), ring * std::sin(a));
+  });
+  expect_agreement_in_planes_of_faces(6000);
+  EXPECT_GT(hits_, 2000);
+}
+
+TEST_F(RayTreeSearch, FindsWhatRoundingFindsAmongStrayTriangles) {
+  make_soup(1500, 0.15f);
+  expect_agreement_in_planes_of_faces(4000);
+  expect_agreement_of_random_rays(2000);
+}
+
+TEST_F(RayTreeSearch, AxisParallelRaysMeetAxisParallelFaces) {
+  // Steps: every face lies in a plane of the axes, and every coordinate is exact.
+  make_grid(32, [](float u, float v) {
+    const float step = std::floor(u * 8.0f);
+    return vec4(u * 2.0f - 1.0f, step * 0.25f - 1.0f, v * 2.0f - 1.0f);
+  });
+  expect_agreement(4000, [&] {
+    const auto grid = [] { return std::floor(Math::rnd(-20, 20)) / 16.0f; };
+    vec4 way(0, 0, 0, 0);
+    way.ptr()[static_cast<int>(Math::rnd(0, 2.99f))] = Math::rnd(-1, 1) < 0 ? -1.0f : 1.0f;
+    return Ray(vec4(grid(), grid(), grid()), way);
+  });
+  EXPECT_GT(hits_, 500);
+}
+
+TEST_F(RayTreeSearch, FarFromTheOriginCoordinatesAreCoarse) {
+  for (const float far : {1e3f, 1e6f, 1e8f}) {
+    hits_ = 0;
+    m_.init_translate(far, -far, 0.5f * far);
+    make_soup(1000, 0.3f);
+    const vec4 middle(far, -far, 0.5f * far);
+    expect_agreement(
+        1000, [&] { return ray_from_to(middle + random_point(3), middle + random_point(1)); });
+    expect_agreement_in_planes_of_faces(1000);
+    if (far < 1e8f) {
+      EXPECT_GT(hits_, 300);
+    }
+  }
+}
+
+TEST_F(RayTreeSearch, SmallAndLargeMeshesAreSearched) {
+  for (const float size : {1e-6f, 1e-3f, 1e4f, 1e8f}) {
+    hits_ = 0;
+    m_.init_scale(size, size, size);
+    make_soup(800, 0.3f);
+    expect_agreement(1000, [&] { return ray_from_to(random_point(3 * size), random_point(size)); });
+    expect_agreement_in_planes_of_faces(1000);
+    EXPECT_GT(hits_, 300);
+  }
+}
+
+TEST_F(RayTreeSearch, NeedlesAndFacesWithoutAreaAmongOthersAreTested) {
+  make_soup(1200, 0.3f);
+  for (unsigned int i = 0; i < 1200; ++i) {
+    const vec4 a = vec4(data_.get_position(3 * i));
+    const vec4 b = vec4(data_.get_position(3 * i + 1));
+    switch (i % 6) {
+      case 0:  // on one line
+        data_.set_position(3 * i + 2, a + (b - a) * Math::rnd(-1, 2));
+        break;
+      case 1:  // a needle with its point first
+        data_.set_position(3 * i + 2, b + random_point(std::pow(10.0f, Math::rnd(-7, -1))));
+        break;
+      case 2:  // a needle with its point last
+        data_.set_position(3 * i + 1, a + random_point(std::pow(10.0f, Math::rnd(-7, -1))));
+        break;
+      case 3:
+        data_.set_position(3 * i + i % 3, vec4(std::nanf(""), a.y, 1e20f));
+        break;
+      default:
+        break;
+    }
+  }
+  expect_agreement_of_random_rays(3000);
+  EXPECT_GT(hits_, 500);
+}
+
+TEST_F(RayTreeSearch, FlatPartsOfVeryLargeMeshesAreFoundInTheirPlane) {
+  m_.init_euler_angles(33, 21, -47);
+  // Three sides of a box, each flat, of more faces than all planes are kept of.
+  make_grid(260, [](float u, float v) {
+    const float side = u * 3.0f;
+    if (side < 1.0f) return vec4(side, 0, v);
+    if (side < 2.0f) return vec4(1, side - 1.0f, v);
+    return vec4(3.0f - side, 1, v);
+  });
+  ASSERT_GT(data_.num_faces, RayTree::MAX_EXACT_FACES);
+  expect_agreement_in_planes_of_faces(60);
+  expect_agreement_of_random_rays(20);
 }
 
 TEST_F(RayTreeSearch, SameBoxesAreSearchedThrough) {

@@ -11,9 +11,10 @@ namespace orv {
 ///
 /// The first ray at a mesh walks its faces. From the second on, as long as neither the geometry nor
 /// the absolute transform changes, a search tree kept by the mesh answers where there are 8192
-/// faces or more; the results are those of the walk to the bit. The one exception is a ray that
-/// runs, to within rounding, in the plane of a face which it passes at a distance: what the walk
-/// finds there is chance, and the tree may find another face or none. Changes are
+/// faces or more; the results are those of the walk to the bit. Above 131,072 faces there is one
+/// exception: a ray that runs, to within rounding, in the plane of a face which it passes at a
+/// distance and which is no part of a flat area. What the walk finds there is chance, and the tree
+/// may find another face or none. Changes are
 /// noticed through every operation that writes, marks or hands out pointers to positions and faces.
 /// Code that writes to the arrays of GeometryCore by their fields marks them afterwards, as for
 /// uploads: VertexAttribArray::update_needed,
