@@ -40,6 +40,10 @@ bool has_vector_room(const NVGcontext* context);
 /// Height in pixels that text would have with the present settings, 0 without a font.
 float vector_text_pixels(const NVGcontext* context);
 
+/// Makes NanoVG's atlas of glyphs large enough for the present text size: NanoVG itself takes one
+/// step at a call, and leaves the text out when that is not enough.
+void grow_vector_atlas(NVGcontext* context);
+
 /// How many settings are saved, the present ones included.
 int vector_state_depth(const NVGcontext* context);
 

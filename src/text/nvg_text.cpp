@@ -62,7 +62,9 @@ void text_params(int align, float letter_spacing, float line_height) {
 void text(float x, float y, char const* text) {
   NVGcontext* context = current();
   if (!context || !in_range({x, y}) || !is_text_visible(context, text)) return;
-  if (take_room(context)) nvgText(context, x, y, text, end_of_text(text));
+  if (!take_room(context)) return;
+  detail::grow_vector_atlas(context);
+  nvgText(context, x, y, text, end_of_text(text));
 }
 
 float text_bounds(float x, float y, float* bounds, char const* text) {

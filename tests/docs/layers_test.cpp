@@ -21,9 +21,22 @@ struct Layer {
 
 // The longest prefix that fits counts, so longer ones stand first.
 constexpr Layer layers[] = {
-    {"render/opengl/", 9}, {"render/window/", 9}, {"scene/node", 1}, {"core/", 0},
-    {"math/", 0},          {"image/", 1},         {"text/", 1},      {"render/", 2},
-    {"gpu/", 3},           {"geometry/", 4},      {"scene/", 4},     {"loaders/", 5},
+    {"render/opengl/", 9},
+    {"render/window/", 9},
+    {"scene/node", 1},
+    {"text/font_data", 1},
+    {"text/stb_truetype", 1},
+    {"text/truetype_check", 1},
+    {"core/", 0},
+    {"math/", 0},
+    {"image/", 1},
+    {"render/", 2},
+    {"gpu/", 3},
+    {"geometry/", 4},
+    {"scene/", 4},
+    {"loaders/", 5},
+    {"text/", 5},
+    {"visual/", 5},
 };
 
 // -1 for what stands in no layer, such as fwd.h.

@@ -305,6 +305,17 @@ float vector_text_pixels(const NVGcontext* context) {
   return state.fontSize * nvg__getFontScale(&copy) * context->devicePxRatio;
 }
 
+void grow_vector_atlas(NVGcontext* context) {
+  constexpr float BORDERS = 8.0f, LARGEST = NVG_MAX_FONTIMAGE_SIZE / 2;
+  const float needed = std::min(vector_text_pixels(context) + BORDERS, LARGEST);
+  for (;;) {
+    int width = 0, height = 0;
+    fonsGetAtlasSize(context->fontContext->fs, &width, &height);
+    if (static_cast<float>(std::min(width, height)) >= needed || !nvg__allocTextAtlas(context))
+      return;
+  }
+}
+
 int vector_state_depth(const NVGcontext* context) { return context->nstates; }
 
 bool read_vector_viewport(const NVGcontext* context, int* width, int* height) {
