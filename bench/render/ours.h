@@ -79,7 +79,8 @@ inline RawMesh raw_copy(const orv::Mesh& mesh) {
   std::size_t offset = layout.interleaved_size;
   for (unsigned int i = 0; i < layout.num_attribs; ++i) {
     const orv::GeometryGpuAttrib& array = layout.attribs[i];
-    copy.attribs.push_back({static_cast<GLuint>(array.location), array.element_dim, 0, offset});
+    copy.attribs.push_back({static_cast<GLuint>(array.location), array.element_dim, 0, offset,
+                            static_cast<GLuint>(array.divisor)});
     offset += std::size_t{array.num_elements} * static_cast<std::size_t>(array.element_size);
   }
   return copy;

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 #include "common/egl_format.h"
 
@@ -76,7 +77,7 @@ void RawContext::make_current() {
   if (!eglMakeCurrent(display_, surface_, surface_, context_)) give_up("context refused");
 }
 
-GLuint RawMesh::create_vertex_array() const {
+GLuint RawMesh::create_vertex_array(GLuint* vertex_buffer) const {
   const RawGl& gl = raw_gl();
   GLuint vertex_array = 0;
   GLuint buffers[2] = {};
@@ -90,22 +91,26 @@ GLuint RawMesh::create_vertex_array() const {
     gl.glEnableVertexAttribArray(attrib.location);
     gl.glVertexAttribPointer(attrib.location, attrib.dim, GL_FLOAT, GL_FALSE, attrib.stride,
                              reinterpret_cast<const void*>(attrib.offset));
+    if (attrib.divisor > 0) gl.glVertexAttribDivisor(attrib.location, attrib.divisor);
   }
   gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[1]);
   gl.glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size()), indices.data(),
                   GL_STATIC_DRAW);
   gl.glBindVertexArray(0);
+  if (vertex_buffer) *vertex_buffer = buffers[0];
   return vertex_array;
 }
 
 GLuint create_raw_program(const char* vertex_text, const char* pixel_text) {
   const RawGl& gl = raw_gl();
-  constexpr const char* NAMES[] = {"orvex_Position", "orvex_TexCoord0", "orvex_Normal",
-                                   "orvex_Color"};
+  constexpr const char* NAMES[] = {
+      "orvex_Position",       "orvex_TexCoord0",         "orvex_Normal",
+      "orvex_Color",          "orvex_Instance_Position", "orvex_Instance_Rotation",
+      "orvex_Instance_Scale", "orvex_Instance_Color"};
   const GLuint program = gl.glCreateProgram();
   gl.glAttachShader(program, compile(GL_VERTEX_SHADER, vertex_text));
   gl.glAttachShader(program, compile(GL_FRAGMENT_SHADER, pixel_text));
-  for (GLuint i = 0; i < 4; ++i) gl.glBindAttribLocation(program, i, NAMES[i]);
+  for (GLuint i = 0; i < std::size(NAMES); ++i) gl.glBindAttribLocation(program, i, NAMES[i]);
   gl.glLinkProgram(program);
   GLint linked = GL_FALSE;
   gl.glGetProgramiv(program, GL_LINK_STATUS, &linked);

@@ -17,6 +17,7 @@ namespace bench {
   F(glUniformMatrix4fv)        \
   F(glBindVertexArray)         \
   F(glDrawElements)            \
+  F(glDrawElementsInstanced)   \
   F(glClear)                   \
   F(glClearColor)              \
   F(glClearDepthf)             \
@@ -36,8 +37,10 @@ namespace bench {
   F(glGenBuffers)              \
   F(glBindBuffer)              \
   F(glBufferData)              \
+  F(glBufferSubData)           \
   F(glVertexAttribPointer)     \
   F(glEnableVertexAttribArray) \
+  F(glVertexAttribDivisor)     \
   F(glCreateShader)            \
   F(glShaderSource)            \
   F(glCompileShader)           \
@@ -82,6 +85,7 @@ struct RawAttrib {
   GLint dim;
   GLsizei stride;
   std::size_t offset;
+  GLuint divisor = 0;
 };
 
 /// A mesh as the library would upload it.
@@ -95,10 +99,12 @@ struct RawMesh {
   std::size_t num_vertices = 0;
 
   /// Vertex array object over buffers of its own.
-  GLuint create_vertex_array() const;
+  /// @param vertex_buffer  gets the buffer that holds the vertices; may be null
+  GLuint create_vertex_array(GLuint* vertex_buffer = nullptr) const;
 };
 
-/// A linked program with the library's attribute names at locations 0 to 3.
+/// A linked program with the library's names of attributes and instance streams at locations 0
+/// to 7.
 GLuint create_raw_program(const char* vertex_text, const char* pixel_text);
 
 /// Triangles that reach the rasteriser while `draw` runs, and the picture after it.
