@@ -34,10 +34,15 @@ void ParticleAction::update_particle(ParticlePool& /*pool*/, unsigned int /*inde
 }
 
 void ParticleAction::update_particle_pool(ParticlePool& pool, float dt) {
+  update_slots(pool, 0, pool.num_particles, dt);
+}
+
+void ParticleAction::update_slots(ParticlePool& pool, unsigned int begin, unsigned int end,
+                                  float dt) const {
   if (data_->action_type == PARTICLE_ACTION_GRAVITY) {
-    detail::move_particles(pool, data_->gravity * dt, dt);
+    detail::move_particles(pool, {begin, end}, data_->gravity * dt, dt);
   } else if (data_->action_type == PARTICLE_ACTION_SIZE && !data_->sizes.empty()) {
-    detail::size_particles(pool, data_->sizes.data(),
+    detail::size_particles(pool, {begin, end}, data_->sizes.data(),
                            static_cast<unsigned int>(data_->sizes.size()));
   }
 }

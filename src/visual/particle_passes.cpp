@@ -42,12 +42,12 @@ inline TwelveFloats triple(__m128 v) {
            _mm_shuffle_ps(v, v, _MM_SHUFFLE(3, 3, 3, 2))}};
 }
 
-// Calls `work` for each group of four slots up to `end`, with true where all of a block are alive;
+// Calls `work` for each group of four slots, with true where all of a block are alive;
 // blocks without life are passed over. A block is large enough for the answer to be the same for
 // long.
 template <class Work>
-void for_each_group(const ParticlePool& pool, unsigned int end, Work work) {
-  for (unsigned int i = 0; i < end; i += PARTICLE_BLOCK) {
+void for_each_group(const ParticlePool& pool, SlotRange range, Work work) {
+  for (unsigned int i = range.begin; i < range.end; i += PARTICLE_BLOCK) {
     const float* left = pool.lifetimes + i;
     const __m128 a = living(left), b = living(left + 4), c = living(left + 8),
                  d = living(left + 12);
@@ -68,10 +68,10 @@ void for_each_group(const ParticlePool& pool, unsigned int end, Work work) {
 
 // ---- moving -----------------------------------------------------------------------------------
 
-void move_particles(const ParticlePool& pool, const vec3& change, float dt) {
+void move_particles(const ParticlePool& pool, SlotRange range, const vec3& change, float dt) {
   const TwelveFloats changes = repeat(change);
   const __m128 time = _mm_set1_ps(dt);
-  for_each_group(pool, pool.num_particles, [&](unsigned int i, auto all_alive) {
+  for_each_group(pool, range, [&](unsigned int i, auto all_alive) {
     float* velocities = pool.velocities[i].ptr();
     float* positions = pool.positions[i].ptr();
     const TwelveFloats mask = triple(living(pool.lifetimes + i));
@@ -113,21 +113,22 @@ inline __m128 look_up(const SizeStep* table, __m128 place) {
   return _mm_add_ps(base, _mm_mul_ps(rise, fraction));
 }
 
-void set_sizes(const ParticlePool& pool, float size) {
-  for (unsigned int i = 0; i < pool.num_particles; ++i) {
+void set_sizes(const ParticlePool& pool, SlotRange range, float size) {
+  for (unsigned int i = range.begin; i < range.end; ++i) {
     pool.sizes[i] = pool.lifetimes[i] > 0.0f ? size : pool.sizes[i];
   }
 }
 
 }  // namespace
 
-void size_particles(const ParticlePool& pool, const SizeStep* table, unsigned int count) {
-  if (count == 1) return set_sizes(pool, table->base);
+void size_particles(const ParticlePool& pool, SlotRange range, const SizeStep* table,
+                    unsigned int count) {
+  if (count == 1) return set_sizes(pool, range, table->base);
   const __m128 lifetime = _mm_set1_ps(pool.particle_lifetime);
   const __m128 last = _mm_set1_ps(static_cast<float>(count - 1));
   const __m128 limit = _mm_set1_ps(static_cast<float>(count));
   const __m128 out_of_table = _mm_set1_ps(100.0f);
-  for_each_group(pool, pool.num_particles, [&](unsigned int i, auto all_alive) {
+  for_each_group(pool, range, [&](unsigned int i, auto all_alive) {
     const __m128 left = _mm_loadu_ps(pool.lifetimes + i);
     const __m128 place = _mm_mul_ps(_mm_div_ps(left, lifetime), last);
     const __m128 inside =
@@ -142,9 +143,9 @@ void size_particles(const ParticlePool& pool, const SizeStep* table, unsigned in
 
 // ---- time left --------------------------------------------------------------------------------
 
-void age_particles(const ParticlePool& pool, float dt) {
+void age_particles(const ParticlePool& pool, SlotRange range, float dt) {
   float* lifetimes = pool.lifetimes;
-  for (unsigned int i = 0; i < pool.num_particles; ++i) lifetimes[i] -= dt;
+  for (unsigned int i = range.begin; i < range.end; ++i) lifetimes[i] -= dt;
 }
 
 unsigned int count_living_particles(const ParticlePool& pool) {
@@ -186,7 +187,7 @@ class ParticlePacker {
     unsigned int end = pool_.num_particles;
     while (end > 0 && !(pool_.lifetimes[end - 1] > 0.0f)) --end;
     const unsigned int whole = end / PARTICLE_BLOCK * PARTICLE_BLOCK;
-    for_each_group(pool_, whole, [this](unsigned int i, auto all_alive) {
+    for_each_group(pool_, {0, whole}, [this](unsigned int i, auto all_alive) {
       const DrawnGroup group = make_group(i);
       const auto lanes = all_alive ? 15u : static_cast<unsigned int>(lanes_of(i));
       for (unsigned int lane = 0; lane < 4; ++lane) {

@@ -19,14 +19,21 @@ struct SizeStep {
   float rise;
 };
 
+/// Slots `begin`, the first of a block, to `end` - 1.
+struct SlotRange {
+  unsigned int begin;
+  unsigned int end;
+};
+
 /// Adds `change` to the velocities of the living and moves them by the new velocity for `dt`.
-void move_particles(const ParticlePool& pool, const vec3& change, float dt);
+void move_particles(const ParticlePool& pool, SlotRange range, const vec3& change, float dt);
 
 /// Sizes of the living, from a table of `count` entries, not 0, and their time left.
-void size_particles(const ParticlePool& pool, const SizeStep* table, unsigned int count);
+void size_particles(const ParticlePool& pool, SlotRange range, const SizeStep* table,
+                    unsigned int count);
 
 /// Takes `dt` off the time left of all slots, padding apart.
-void age_particles(const ParticlePool& pool, float dt);
+void age_particles(const ParticlePool& pool, SlotRange range, float dt);
 
 unsigned int count_living_particles(const ParticlePool& pool);
 

@@ -5,7 +5,9 @@
 #include <orv/visual/particle_emitter.h>
 #include <orv/visual/particle_pool.h>
 
+#include <algorithm>
 #include <memory>
+#include <typeinfo>
 
 #include "scene/node_data.h"
 #include "visual/particle_passes.h"
@@ -173,7 +175,12 @@ ParticlePool* ParticleSystem::get_particle_pool() const { return pool_; }
 // ---- a frame ----------------------------------------------------------------------------------
 
 bool ParticleSystem::_update(float dt) {
+  if (!pool_) return true;
   process_particle_emitters(dt);
+  if (has_plain_actions_only()) {
+    update_by_tiles(dt);
+    return true;
+  }
   process_particle_actions(dt);
   update_particles_lifetime(dt);
   return true;
@@ -207,7 +214,31 @@ void ParticleSystem::process_particle_actions(float dt) {
 }
 
 void ParticleSystem::update_particles_lifetime(float dt) {
-  if (pool_) detail::age_particles(*pool_, dt);
+  if (pool_) detail::age_particles(*pool_, {0, pool_->num_particles}, dt);
+}
+
+// ---- actions and ageing at once -----------------------------------------------------------------
+
+bool ParticleSystem::has_plain_actions_only() const {
+  for (int i = 0; i < get_num_actions(); ++i) {
+    const ParticleAction& action = *get_action_by_index(i);
+    if (typeid(action) != typeid(ParticleAction)) return false;
+  }
+  return true;
+}
+
+// No particle looks at another one, so that all actions and the ageing can be done with a few slots
+// at a time, which are then fetched from memory once. Tiles are so small that the processor fetches
+// the next one while it works on one.
+void ParticleSystem::update_by_tiles(float dt) {
+  constexpr unsigned int TILE = 8 * detail::PARTICLE_BLOCK;
+  const int actions = get_num_actions();
+  const unsigned int slots = pool_->num_particles;
+  for (unsigned int begin = 0; begin < slots; begin += TILE) {
+    const unsigned int end = begin + std::min(TILE, slots - begin);
+    for (int i = 0; i < actions; ++i) get_action_by_index(i)->update_slots(*pool_, begin, end, dt);
+    detail::age_particles(*pool_, {begin, end}, dt);
+  }
 }
 
 // ---- drawing ----------------------------------------------------------------------------------

@@ -364,6 +364,15 @@ TEST_F(ParticleSystemFrame, OtherTypesOfEmittersLeaveParticlesInPlace) {
   EXPECT_EQ(pool.lifetimes[0], 1.0f);
 }
 
+// Fields of all slots, bit by bit.
+void expect_same_slots(const ParticlePool& a, const ParticlePool& b) {
+  const std::size_t n = a.num_particles;
+  EXPECT_EQ(std::memcmp(a.positions, b.positions, n * sizeof(vec3)), 0);
+  EXPECT_EQ(std::memcmp(a.velocities, b.velocities, n * sizeof(vec3)), 0);
+  EXPECT_EQ(std::memcmp(a.lifetimes, b.lifetimes, n * sizeof(float)), 0);
+  EXPECT_EQ(std::memcmp(a.sizes, b.sizes, n * sizeof(float)), 0);
+}
+
 // Spawns in the plain way, since no shorter one is known for it.
 class DerivedEmitter : public ParticleEmitter {
  public:
@@ -400,9 +409,7 @@ TEST_F(ParticleSystemFrame, BulkSpawningGivesTheBitsOfOneByOne) {
   EXPECT_EQ(other->process_particle_emitters(1.0f), 777);
   EXPECT_EQ(Math::rand15(), next);
   EXPECT_EQ(derived->slots.size(), 777u);
-  EXPECT_EQ(std::memcmp(pool.positions, other_pool.positions, 1000 * sizeof(vec3)), 0);
-  EXPECT_EQ(std::memcmp(pool.velocities, other_pool.velocities, 1000 * sizeof(vec3)), 0);
-  EXPECT_EQ(std::memcmp(pool.lifetimes, other_pool.lifetimes, 1000 * sizeof(float)), 0);
+  expect_same_slots(pool, other_pool);
 }
 
 // ---- a whole frame ----
@@ -426,6 +433,40 @@ TEST_F(ParticleSystemFrame, EmittersComeBeforeActionsAndAgeingLast) {
   EXPECT_EQ(action->seen, 1.0f) << "born, not aged";
   EXPECT_EQ(action->passed, 1.0f);
   EXPECT_EQ(pool.lifetimes[0], 0.0f);
+}
+
+// Two emitters that keep about half of the slots alive, and actions of which one sees what another
+// did.
+void furnish(ParticleSystem& system, unsigned int slots) {
+  Math::srnd(31);
+  system.initialize(slots);
+  system.set_particle_lifetime(0.7f);
+  for (int i = 0; i < 2; ++i) {
+    system.create_emitter()->set_particle_rate(0.4f * static_cast<float>(slots) + 3.0f);
+  }
+  system.create_action();
+  for (int i = 0; i < 2; ++i) {
+    ParticleAction* size = system.create_action();
+    size->set_action_type(PARTICLE_ACTION_SIZE);
+    for (int entry = 0; entry < 3 - 2 * i; ++entry) size->add_size(static_cast<float>(entry) + 1);
+  }
+  system.create_action()->set_gravity(0.3f, 0, -1.7f);
+}
+
+TEST_F(ParticleSystemFrame, UpdateGivesTheBitsOfItsThreeSteps) {
+  for (const unsigned int slots : {1u, 5u, 16u, 127u, 128u, 129u, 1000u}) {
+    const Held<ParticleSystem> whole, steps;
+    furnish(*whole, slots);
+    for (int i = 0; i < 30; ++i) whole->update(0.06f, nullptr);
+    furnish(*steps, slots);
+    for (int i = 0; i < 30; ++i) {
+      steps->process_particle_emitters(0.06f);
+      steps->process_particle_actions(0.06f);
+      steps->update_particles_lifetime(0.06f);
+    }
+    expect_same_slots(*whole->get_particle_pool(), *steps->get_particle_pool());
+    EXPECT_GT(whole->get_num_alive_particles(), 0u);
+  }
 }
 
 TEST_F(ParticleSystemFrame, ParticlesAgeInTheFrameOfTheirBirth) {

@@ -59,6 +59,11 @@ class ORV_API ParticleAction : public Object {
   float get_size(unsigned int index) const;
 
  private:
+  friend class ParticleSystem;
+
+  // update_particle_pool for the slots `begin`, the first of a block, to `end` - 1.
+  void update_slots(ParticlePool& pool, unsigned int begin, unsigned int end, float dt) const;
+
   ParticleActionData* data_;
 };
 

@@ -108,6 +108,9 @@ class ORV_API ParticleSystem : public Object {
   void vertex_pool_render(Renderer* renderer);
 
  private:
+  bool has_plain_actions_only() const;
+  void update_by_tiles(float dt);
+
   ParticleSystemData* data_;
   ParticlePool* pool_;
 };
