@@ -172,6 +172,7 @@ bool TrueTypeFace::rasterize(int code_point, float pixel_height, GlyphBitmap* ou
   const stbtt_fontinfo& info = impl_->info;
   const float scale = stbtt_ScaleForPixelHeight(&info, pixel_height);
   const int glyph = stbtt_FindGlyphIndex(&info, code_point);
+  if (!impl_->check.has_glyph(glyph)) return true;
   int advance = 0, bearing = 0;
   stbtt_GetGlyphHMetrics(&info, glyph, &advance, &bearing);
   out->advance = scale * static_cast<float>(advance);

@@ -193,7 +193,7 @@ bool TrueTypeCheck::check_character_map(std::uint64_t map) const {
 bool TrueTypeCheck::measure_glyph(int glyph, GlyphOutline* outline) const {
   *outline = GlyphOutline{};
   int components = 0;
-  if (!walk_glyph(glyph, 0, &components, outline)) return false;
+  if (!has_glyph(glyph) || !walk_glyph(glyph, 0, &components, outline)) return false;
   if (outline->is_empty()) return true;
   const std::uint64_t at = glyf_.offset + glyph_offset(glyph);
   outline->in_header_box =
@@ -209,7 +209,7 @@ std::uint64_t TrueTypeCheck::glyph_offset(int glyph) const {
 }
 
 bool TrueTypeCheck::walk_glyph(int glyph, int depth, int* components, GlyphOutline* outline) const {
-  if (glyph < 0 || glyph >= num_glyphs_) return true;
+  if (!has_glyph(glyph)) return true;  // an empty component to the library, too
   if (depth > MAX_DEPTH) return false;
   const std::uint64_t first = glyph_offset(glyph);
   if (first == glyph_offset(glyph + 1)) return true;

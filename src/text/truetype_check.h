@@ -51,9 +51,13 @@ class TrueTypeCheck {
   /// which are checked one by one; else what is wrong, a text that is never freed.
   const char* open(std::uint64_t start);
 
+  /// Whether the font has a glyph of this number. Character maps may tell of others, whose metrics
+  /// lie anywhere.
+  bool has_glyph(int glyph) const { return glyph >= 0 && glyph < num_glyphs_; }
+
   /// Reads the outline of a glyph with all that it is made of. False when it leaves its table, when
-  /// its coordinates leave 16 bits, and when it is larger than the limits above. A glyph that the
-  /// font lacks is an empty one.
+  /// its coordinates leave 16 bits, when it is larger than the limits above, and when there is no
+  /// such glyph.
   bool measure_glyph(int glyph, GlyphOutline* outline) const;
 
  private:

@@ -226,6 +226,24 @@ TEST(StbTruetype, OutlineOutsideOfItsBoxStaysInTheBitmap) {
   EXPECT_EQ(baked.result.num_baked, 4);
 }
 
+TEST(StbTruetype, MapThatTellsOfGlyphsThereAreNotIsRefused) {
+  FontBuilder builder;
+  builder.map_format = 12;
+  builder.glyphs.push_back(orv::test::rectangle_glyph(0, 0, 500, 500));
+  Bytes font = builder.build();
+  const std::size_t first_glyph = orv::test::table_at(font, "cmap") + 12 + 24;
+  ASSERT_EQ(u32(font, first_glyph), 1u);
+  for (const std::size_t glyph : {std::size_t{2}, std::size_t{1} << 30, std::size_t{0xFFFFFFFF}}) {
+    set32(&font, first_glyph, glyph);
+    EXPECT_STREQ(bake(font, 12.0f, 64, 64, 'A', 1).result.fault, "spoiled outlines") << glyph;
+    TrueTypeFace face;
+    ASSERT_TRUE(face.load(font.data(), font.size(), 0));
+    GlyphBitmap bitmap;
+    EXPECT_TRUE(face.rasterize('A', 12.0f, &bitmap));
+    EXPECT_EQ(bitmap.advance, 0.0f) << "a character without a picture";
+  }
+}
+
 TEST(StbTruetype, EveryTruncationOfASmallFontIsRefused) {
   FontBuilder builder;
   builder.glyphs.push_back(orv::test::rectangle_glyph(0, 0, 500, 500));
