@@ -25,8 +25,13 @@ struct PixelInHalves {
   float y;
 
   PixelInHalves(const Viewport& viewport, int pixel_x, int pixel_y)
-      : x(distance(pixel_x, viewport.x) / static_cast<float>(viewport.width / 2)),
-        y(distance(pixel_y, viewport.y) / static_cast<float>(viewport.height / 2)) {}
+      : x(distance(pixel_x, viewport.x) / whole_half(viewport.width)),
+        y(distance(pixel_y, viewport.y) / whole_half(viewport.height)) {}
+
+  static float whole_half(int size) {
+    const int half = size / 2;
+    return static_cast<float>(half);
+  }
 
   static float distance(int to, int from) {
     return static_cast<float>(static_cast<std::int64_t>(to) - from);
