@@ -56,10 +56,13 @@ double drawing_steps(const GlyphOutline& outline, float scale, int width) {
   if (outline.is_empty()) return 0;
   const double pixels = outline.length * static_cast<double>(scale);
   // Curves are halved until they are flat to 0.35 pixels, which quarters what they stand off.
-  const double pieces = 3.0 * outline.points + 2 * std::sqrt(outline.curves * pixels / 2 / 0.35);
+  const double vertices = outline.points + 2.0 * outline.contours;
+  const double pieces = vertices + 2 * std::sqrt(outline.curves * pixels / 2 / 0.35);
   if (pieces > MAX_PIECES) return HUGE_VAL;
+  // Sorting them may take the square of their number, where a file is made to that end.
+  const double sorting = pieces * pieces / 256;
   // What leaves the glyph's own box is looked for in every pixel of the row.
-  return pieces + pixels * (outline.in_header_box ? 1 : std::max(width, 1));
+  return pieces + sorting + pixels * (outline.in_header_box ? 1 : std::max(width, 1));
 }
 
 struct BakePlan {

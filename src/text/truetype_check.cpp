@@ -20,6 +20,7 @@ void append(GlyphOutline* outline, const GlyphOutline& part) {
   outline->min_y = first ? part.min_y : std::min(outline->min_y, part.min_y);
   outline->max_x = first ? part.max_x : std::max(outline->max_x, part.max_x);
   outline->max_y = first ? part.max_y : std::max(outline->max_y, part.max_y);
+  outline->contours += part.contours;
   outline->points += part.points;
   outline->curves += part.curves;
   outline->length += part.length;
@@ -253,6 +254,7 @@ bool TrueTypeCheck::walk_simple(std::uint64_t at, int contours, GlyphOutline* ou
   }
 
   GlyphOutline part;
+  part.contours = contours;
   part.points = points;
   FlagReader flags(file_, flags_at);
   CoordinateReader xs(file_, counted.position(), 2, 16);

@@ -28,6 +28,7 @@ class FontFile {
 
 /// What drawing a glyph costs, in units of the font.
 struct GlyphOutline {
+  int contours = 0;   ///< closed lines, of all components
   int points = 0;     ///< of all components
   int curves = 0;     ///< points off the curve, each of which makes one
   double length = 0;  ///< at most this long, each line and curve taken by its two axes
