@@ -183,10 +183,23 @@ bool TrueTypeCheck::check_character_map(std::uint64_t map) const {
       return room >= 10 && 10 + std::uint64_t{file_.u16(map + 8)} * 2 <= room;
     case 12:
     case 13:
-      return room >= 16 && 16 + file_.u32(map + 12) * 12 <= room;
+      return room >= 16 && 16 + file_.u32(map + 12) * 12 <= room && check_groups(map);
     default:
       return true;  // passed over by the library
   }
+}
+
+bool TrueTypeCheck::check_groups(std::uint64_t map) const {
+  const bool one_glyph = file_.u16(map) == 13;
+  const std::uint64_t count = file_.u32(map + 12);
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const std::uint64_t group = map + 16 + i * 12;
+    const std::uint64_t first = file_.u32(group), last = file_.u32(group + 4);
+    const std::uint64_t glyphs = one_glyph ? 0 : last - first;
+    // The metrics are looked up with any number that stands here.
+    if (first > last || file_.u32(group + 8) + glyphs > 0xFFFF) return false;
+  }
+  return true;
 }
 
 // ---- glyphs ----

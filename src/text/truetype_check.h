@@ -52,8 +52,7 @@ class TrueTypeCheck {
   /// which are checked one by one; else what is wrong, a text that is never freed.
   const char* open(std::uint64_t start);
 
-  /// Whether the font has a glyph of this number. Character maps may tell of others, whose metrics
-  /// lie anywhere.
+  /// Whether the font has a glyph of this number. Character maps may tell of others, up to 65535.
   bool has_glyph(int glyph) const { return glyph >= 0 && glyph < num_glyphs_; }
 
   /// Reads the outline of a glyph with all that it is made of. False when it leaves its table, when
@@ -73,6 +72,7 @@ class TrueTypeCheck {
   bool check_metrics() const;
   bool check_character_maps() const;
   bool check_character_map(std::uint64_t map) const;
+  bool check_groups(std::uint64_t map) const;
   std::uint64_t glyph_offset(int glyph) const;
   bool walk_glyph(int glyph, int depth, int* components, GlyphOutline* outline) const;
   bool walk_simple(std::uint64_t at, int contours, GlyphOutline* outline) const;

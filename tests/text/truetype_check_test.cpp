@@ -105,6 +105,20 @@ TEST(TrueTypeCheck, MapsLongerThanTheirTableAreRefused) {
   }
 }
 
+TEST(TrueTypeCheck, GroupsOfCharactersKeepTheirOrderAndTheirGlyphs) {
+  FontBuilder builder = with_glyph(rectangle_glyph(0, 0, 500, 500));
+  builder.map_format = 12;
+  const Bytes good = builder.build();
+  const std::size_t group = table_at(good, "cmap") + 12 + 16;
+  const std::pair<std::size_t, std::size_t> cases[] = {
+      {0, 'Z'}, {4, 0xFFFFFFFF}, {4, 0x10000 + 'A'}, {8, 0x10000}};
+  for (const auto& [at, value] : cases) {
+    Bytes font = good;
+    set32(&font, group + at, value);
+    EXPECT_STREQ(fault_of(font), "a spoiled map of characters") << at << " " << value;
+  }
+}
+
 TEST(TrueTypeCheck, EveryTruncationIsRefused) {
   const Bytes good = with_glyph(rectangle_glyph(0, 0, 500, 500)).build();
   // The last table is padded.
