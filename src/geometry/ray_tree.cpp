@@ -3,6 +3,7 @@
 #include <xmmintrin.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -16,8 +17,8 @@ using lanes::splat;
 
 namespace {
 
-/// A node adds three at most, and from level 64 on every level halves the rest.
-constexpr std::size_t STACK_SIZE = 3 * (64 + 24) + 4;
+/// A node adds seven at most, and from level 64 on every level halves the rest.
+constexpr std::size_t STACK_SIZE = 7 * (64 + 24) + 8;
 
 /// Keeps the quotient finite; the ray turns by far less than a margin.
 float divisor(float direction) {
@@ -50,36 +51,69 @@ class RayTree::Search {
 
   /// Goes down from the root, into the nearer children first.
   void run() {
-    Entry stack[STACK_SIZE];
-    std::size_t size = 0;
-    stack[size++] = {0, 0.0f};
-    while (size > 0) {
-      const Entry entry = stack[--size];
-      if (entry.start > query_->farthest) continue;
-      if ((entry.child & LEAF) != 0) {
-        query_->take(tree_.packs_[entry.child & ~LEAF]);
-        continue;
-      }
-      const Node& node = tree_.nodes_[entry.child];
-      float4 starts;
-      const int met = children_met(node, &starts);
-      const std::size_t first = size;
-      for (unsigned int i = 0; i < WIDTH; ++i) {
-        if ((met >> i & 1) == 0) continue;
-        // The nearest comes to lie on top.
-        std::size_t at = size++;
-        for (; at > first && stack[at - 1].start < starts[i]; --at) stack[at] = stack[at - 1];
-        stack[at] = {node.child[i], starts[i]};
-        prefetch(node.child[i]);
-      }
-    }
+    std::uint32_t current = 0;
+    do {
+      while ((current & LEAF) == 0) current = enter(tree_.nodes_[current]);
+      if (current != NOTHING) query_->take(tree_.packs_[current & ~LEAF]);
+      current = next();
+    } while (current != NOTHING);
   }
 
  private:
+  static constexpr std::uint32_t NOTHING = 0xFFFFFFFFu;
+
   struct Entry {
     std::uint32_t child;
     float start;  // where the ray enters
   };
+
+  /// The next place to go to that was left for later.
+  std::uint32_t next() {
+    while (size_ > 0) {
+      const Entry& entry = stack_[--size_];
+      if (entry.start <= query_->farthest) return entry.child;
+    }
+    return NOTHING;
+  }
+
+  void leave(std::uint32_t child, float start) {
+    stack_[size_++] = {child, start};
+    prefetch(child);
+  }
+
+  /// Leaves all children but the nearest for later, the nearer ones on top.
+  /// @return the nearest; what was left before where the ray meets none
+  std::uint32_t enter(const Node& node) {
+    float starts[WIDTH];
+    unsigned int met = children_met(node, starts);
+    if (met == 0) return next();
+    unsigned int nearest = static_cast<unsigned int>(std::countr_zero(met));
+    met &= met - 1;
+    if (met == 0) return node.child[nearest];
+
+    unsigned int other = static_cast<unsigned int>(std::countr_zero(met));
+    met &= met - 1;
+    if (met == 0) {
+      if (starts[other] < starts[nearest]) std::swap(other, nearest);
+      leave(node.child[other], starts[other]);
+      return node.child[nearest];
+    }
+    const std::size_t first = size_;
+    leave_in_order(first, node.child[nearest], starts[nearest]);
+    leave_in_order(first, node.child[other], starts[other]);
+    for (; met != 0; met &= met - 1) {
+      const auto i = static_cast<unsigned int>(std::countr_zero(met));
+      leave_in_order(first, node.child[i], starts[i]);
+    }
+    return stack_[--size_].child;
+  }
+
+  void leave_in_order(std::size_t first, std::uint32_t child, float start) {
+    std::size_t at = size_;
+    leave(child, start);
+    for (; at > first && stack_[at - 1].start < start; --at) stack_[at] = stack_[at - 1];
+    stack_[at] = {child, start};
+  }
 
   void prefetch(std::uint32_t child) const {
     if ((child & LEAF) != 0) {
@@ -92,19 +126,24 @@ class RayTree::Search {
   }
 
   /// The children whose widened box the ray meets ahead of the origin and before the best hit.
-  int children_met(const Node& node, float4* starts) const {
+  unsigned int children_met(const Node& node, float* starts) const {
+    return static_cast<unsigned int>(half_met(node, 0, starts) | half_met(node, 1, starts + 4)
+                                                                     << 4);
+  }
+
+  int half_met(const Node& node, int half, float* starts) const {
     float4 start = splat(0.0f);
     float4 end = splat(query_->farthest);
     for (int axis = 0; axis < 3; ++axis) {
       const int near = near_[axis];
       const int far = near < 3 ? near + 3 : near - 3;
-      const float4 margin = margin_[axis] * node.margin;
-      const float4 in = (node.bounds[near] - origin_[axis]) * inverse_[axis] - margin;
-      const float4 out = (node.bounds[far] - origin_[axis]) * inverse_[axis] + margin;
+      const float4 margin = margin_[axis] * node.margin[half];
+      const float4 in = (node.bounds[near][half] - origin_[axis]) * inverse_[axis] - margin;
+      const float4 out = (node.bounds[far][half] - origin_[axis]) * inverse_[axis] + margin;
       start = _mm_max_ps(start, in);
       end = _mm_min_ps(end, out);
     }
-    *starts = start;
+    lanes::store(starts, start);
     return _mm_movemask_ps(_mm_cmple_ps(start, end));
   }
 
@@ -114,6 +153,8 @@ class RayTree::Search {
   float4 origin_[3];
   float4 inverse_[3];
   float4 margin_[3];
+  Entry stack_[STACK_SIZE];
+  std::size_t size_ = 0;
 };
 
 RayHit RayTree::cast(const Ray& ray, bool first_hit_only) const {

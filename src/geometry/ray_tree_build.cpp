@@ -161,7 +161,7 @@ class RayTree::Builder {
       std::uint32_t node;
       Range range;
     };
-    tree_.nodes_.reserve(primitives_.size() / 6 + 1);
+    tree_.nodes_.reserve(primitives_.size() / 14 + 1);
     tree_.packs_.reserve(primitives_.size() / 5 * 2 + 1);
     tree_.nodes_.emplace_back();
     std::vector<Task> tasks{{0, all_}};
@@ -191,10 +191,10 @@ class RayTree::Builder {
   static void set_bounds(Node* node, unsigned int i, const Extent& box) {
     constexpr float FAR = 1e30f;
     for (int axis = 0; axis < 3; ++axis) {
-      node->bounds[axis][i] = std::min(box.min[axis], FAR);
-      node->bounds[axis + 3][i] = std::max(box.max[axis], -FAR);
+      node->bounds[axis][i / 4][i % 4] = std::min(box.min[axis], FAR);
+      node->bounds[axis + 3][i / 4][i % 4] = std::max(box.max[axis], -FAR);
     }
-    node->margin[i] = std::max(1.0f, box.max[3] * (1.0f / COMMON_FACTOR));
+    node->margin[i / 4][i % 4] = std::max(1.0f, box.max[3] * (1.0f / COMMON_FACTOR));
   }
 
   std::uint32_t add_leaf(const Range& range) {

@@ -37,7 +37,7 @@ inline constexpr float HIT_REACH = 40.0f * ROUNDING;
 inline constexpr float LEAST_COSINE = 64.0f * ROUNDING;
 /// What boxes are widened by as a share of S. A tenth of it is left to the rounding of the box
 /// test.
-inline constexpr float BOX_MARGIN = 2e-4f;
+inline constexpr float BOX_MARGIN = 1e-4f;
 inline constexpr float USABLE_MARGIN = 0.9f * BOX_MARGIN;
 /// From this g on boxes are widened more, in proportion.
 inline constexpr float COMMON_FACTOR = 2.0f;
