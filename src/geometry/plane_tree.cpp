@@ -119,6 +119,7 @@ class PlaneTree::Builder {
 
   void run(Extent extent) {
     list();
+    if (items_.empty()) return;
     sort();
     if (extent == FLAT_PARTS) keep_flat_parts();
     if (items_.empty()) return;

@@ -14,10 +14,11 @@ namespace orv {
 /// faces or more; the results are those of the walk to the bit. Above 131,072 faces there is one
 /// exception: a ray that runs, to within rounding, in the plane of a face which it passes at a
 /// distance and which is no part of a flat area. What the walk finds there is chance, and the tree
-/// may find another face or none. Changes are
-/// noticed through every operation that writes, marks or hands out pointers to positions and faces.
-/// Code that writes to the arrays of GeometryCore by their fields marks them afterwards, as for
-/// uploads: VertexAttribArray::update_needed,
+/// may find another face or none.
+///
+/// Changes are noticed through every operation that writes, marks or hands out pointers to
+/// positions and faces. Code that writes to the arrays of GeometryCore by their fields marks them
+/// afterwards, as for uploads: VertexAttribArray::update_needed,
 /// GeometryCore::update_interleaved_vertex_array_set_state,
 /// GeometryCore::ib_update_faces_list_set_state.
 class ORV_API RayCaster {
