@@ -42,17 +42,26 @@ inline TwelveFloats triple(__m128 v) {
            _mm_shuffle_ps(v, v, _MM_SHUFFLE(3, 3, 3, 2))}};
 }
 
-// Calls `work` for each group of four slots, with true where all of a block are alive;
-// blocks without life are passed over. A block is large enough for the answer to be the same for
-// long.
+// Both tell of a block.
+inline bool is_any_alive(const float* lifetimes) {
+  static_assert(PARTICLE_BLOCK == 16);
+  return _mm_movemask_ps(_mm_or_ps(_mm_or_ps(living(lifetimes), living(lifetimes + 4)),
+                                   _mm_or_ps(living(lifetimes + 8), living(lifetimes + 12)))) != 0;
+}
+
+inline bool are_all_alive(const float* lifetimes) {
+  return _mm_movemask_ps(_mm_and_ps(_mm_and_ps(living(lifetimes), living(lifetimes + 4)),
+                                    _mm_and_ps(living(lifetimes + 8), living(lifetimes + 12)))) ==
+         ALL_LANES;
+}
+
+// Calls `work` for each group of four slots, with true where all of its block are alive; blocks
+// without life are passed over. Blocks are so large that the answer is mostly the one before.
 template <class Work>
 void for_each_group(const ParticlePool& pool, SlotRange range, Work work) {
   for (unsigned int i = range.begin; i < range.end; i += PARTICLE_BLOCK) {
-    const float* left = pool.lifetimes + i;
-    const __m128 a = living(left), b = living(left + 4), c = living(left + 8),
-                 d = living(left + 12);
-    if (_mm_movemask_ps(_mm_or_ps(_mm_or_ps(a, b), _mm_or_ps(c, d))) == 0) continue;
-    if (_mm_movemask_ps(_mm_and_ps(_mm_and_ps(a, b), _mm_and_ps(c, d))) == ALL_LANES) {
+    if (!is_any_alive(pool.lifetimes + i)) continue;
+    if (are_all_alive(pool.lifetimes + i)) {
       for (unsigned int group = 0; group < PARTICLE_BLOCK; group += 4) {
         work(i + group, std::true_type());
       }
@@ -184,8 +193,7 @@ class ParticlePacker {
   unsigned int pack() {
     // A slot of the target may be written before it is known whether another particle takes its
     // place; not so behind the last particle.
-    unsigned int end = pool_.num_particles;
-    while (end > 0 && !(pool_.lifetimes[end - 1] > 0.0f)) --end;
+    const unsigned int end = end_of_living();
     const unsigned int whole = end / PARTICLE_BLOCK * PARTICLE_BLOCK;
     for_each_group(pool_, {0, whole}, [this](unsigned int i, auto all_alive) {
       const DrawnGroup group = make_group(i);
@@ -200,6 +208,17 @@ class ParticlePacker {
   }
 
  private:
+  // Behind the last particle.
+  unsigned int end_of_living() const {
+    unsigned int end = pool_.num_particles;
+    while (end > 0 && !(pool_.lifetimes[end - 1] > 0.0f)) {
+      const bool whole_block = end % PARTICLE_BLOCK == 0;
+      const bool dead = whole_block && !is_any_alive(pool_.lifetimes + end - PARTICLE_BLOCK);
+      end -= dead ? PARTICLE_BLOCK : 1;
+    }
+    return end;
+  }
+
   int lanes_of(unsigned int i) const { return _mm_movemask_ps(living(pool_.lifetimes + i)); }
 
   DrawnGroup make_group(unsigned int i) const {

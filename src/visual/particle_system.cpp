@@ -38,7 +38,8 @@ ParticleSystem::~ParticleSystem() {
 
 bool ParticleSystem::_cleanup(Renderer* renderer) {
   terminate(renderer);
-  return Object::_cleanup(renderer);
+  // The analyzer takes ParticlePool::free for the function of the C library.
+  return Object::_cleanup(renderer);  // NOLINT(clang-analyzer-unix.Malloc)
 }
 
 bool ParticleSystem::initialize(unsigned int max_particles) {

@@ -32,10 +32,11 @@ class ORV_API ParticleAction : public Object {
   /// Gravity changes the velocity, then moves the particle by the new velocity. Particles move by
   /// this action alone: for free motion take one with zero gravity.
   ///
-  /// Size goes linearly through the table from its last entry, at birth, to its first one, at
-  /// death. A particle that has more time left than the pool's lifetime keeps the last entry until
-  /// the table would be left by a whole entry, and has size 100 from there, as it has when no place
-  /// can be told. An empty table does nothing; a single entry is the size of all.
+  /// Size goes linearly through the table, from its last entry at birth to its first one at death;
+  /// an empty table does nothing, and a single entry is the size of all. With n entries and a time
+  /// left of t lifetimes the place in the table is t * (n - 1). From n on, and where that is no
+  /// number, the size is 100; between n - 1 and n, for particles that are older than the lifetime
+  /// in force, it is the last entry.
   virtual void update_particle_pool(ParticlePool& pool, float dt);
 
   /// @{

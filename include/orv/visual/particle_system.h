@@ -14,8 +14,9 @@ struct ParticleSystemData;
 ///
 /// Everything is computed by the processor, in `_update`; `_render` hands the living particles to
 /// a VertexPool, which draws them as points with the current program: place in x, y, z, size in w,
-/// and white with an alpha that falls from 1 at birth to 0 at death. The points have a transform of
-/// their own, so that moving the system moves nothing; move the emitters.
+/// and white with an alpha that falls from 1 at birth to 0 at death. The program must not take the
+/// size for a part of the place: it draws at (x, y, z, 1). The points have a transform of their
+/// own, so that moving the system moves nothing; move the emitters.
 ///
 /// Emitters, actions and setters work at all times. What concerns particles needs `initialize`
 /// first, and without it does nothing, with 0 as its result.
