@@ -52,7 +52,7 @@ TEST_P(Papers, LinkToFilesThatExist) {
 
 INSTANTIATE_TEST_SUITE_P(All, Papers,
                          testing::Values("README.md", "CONTRIBUTING.md", "docs/architecture.md",
-                                         "docs/renderer.md", "docs/guide.md"),
+                                         "docs/renderer.md", "docs/guide.md", "docs/gallery.md"),
                          [](const auto& paper) { return fs::path(paper.param).stem().string(); });
 
 }  // namespace
