@@ -51,6 +51,10 @@ constexpr Name NAMES[] = {
     ORV_NAME(GL_STENCIL_BACK_PASS_DEPTH_PASS, 1),
     ORV_NAME(GL_POLYGON_MODE, 1),
     ORV_NAME(GL_SAMPLE_ALPHA_TO_COVERAGE, 1),
+    ORV_NAME(GL_SAMPLE_COVERAGE, 1),
+    ORV_NAME(GL_POLYGON_SMOOTH, 1),
+    ORV_NAME(GL_CLIP_DISTANCE0, 1),
+    ORV_NAME(GL_CLIP_DISTANCE3, 1),
     ORV_NAME(GL_COLOR_LOGIC_OP, 1),
     ORV_NAME(GL_RASTERIZER_DISCARD, 1),
     ORV_NAME(GL_CURRENT_PROGRAM, 1),
@@ -71,18 +75,27 @@ constexpr Name NAMES[] = {
 
 using State = std::map<std::string, std::vector<int>>;
 
+/// What must be off for the picture to be right.
+constexpr GLenum SPOILERS[] = {
+    GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP, GL_RASTERIZER_DISCARD,
+    GL_POLYGON_SMOOTH,           GL_CLIP_DISTANCE0,  GL_CLIP_DISTANCE3};
+
 class NvgState : public NvgGlTest {
  protected:
+  static GlProc proc_address(const char* name) {
+    return detail::current_back_end()->proc_address(name);
+  }
   void SetUp() override {
     NvgGlTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
     ASSERT_TRUE(load_fonts());
-    ASSERT_TRUE(
-        more.fetch([](const char* name) { return detail::current_back_end()->proc_address(name); },
-                   renderer.facts()));
+    ASSERT_TRUE(more.fetch(proc_address, renderer.facts()));
     gl.glGenBuffers(4, buffers);
     core.glGenTextures(2, textures);
     gl.glGenVertexArrays(1, &vertex_array);
+    if (!more.glBindSampler) return;
+    const auto generate = reinterpret_cast<PFNGLGENSAMPLERSPROC>(proc_address("glGenSamplers"));
+    generate(1, &sampler);
   }
   void TearDown() override {
     if (gl.glDeleteBuffers && core.glDeleteTextures) {
@@ -115,7 +128,11 @@ class NvgState : public NvgGlTest {
     if (more.glBindSampler) core.glGetIntegerv(GL_SAMPLER_BINDING, values + 1);
     state["unit 0"] = {values[0], values[1]};
     gl.glActiveTexture(static_cast<GLenum>(unit[0]));
-    if (!renderer.is_core_context()) state["GL_ALPHA_TEST"] = {core.glIsEnabled(GL_ALPHA_TEST)};
+    if (renderer.is_core_context()) return state;
+    core.glGetIntegerv(GL_POLYGON_MODE, values);
+    state["both polygon modes"] = {values[0], values[1]};
+    state["fixed pipeline"] = {core.glIsEnabled(GL_ALPHA_TEST),
+                               core.glIsEnabled(GL_POLYGON_STIPPLE)};
     return state;
   }
 
@@ -139,10 +156,12 @@ class NvgState : public NvgGlTest {
     gl.glStencilOpSeparate(GL_FRONT, GL_INVERT, GL_INCR, GL_DECR);
     gl.glStencilOpSeparate(GL_BACK, GL_REPLACE, GL_ZERO, GL_INCR_WRAP);
     core.glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-    core.glEnable(GL_SAMPLE_ALPHA_TO_COVERAGE);
-    core.glEnable(GL_COLOR_LOGIC_OP);
-    core.glEnable(GL_RASTERIZER_DISCARD);
-    if (!renderer.is_core_context()) core.glEnable(GL_ALPHA_TEST);
+    for (const GLenum name : SPOILERS) core.glEnable(name);
+    if (!renderer.is_core_context()) {
+      core.glEnable(GL_ALPHA_TEST);
+      core.glEnable(GL_POLYGON_STIPPLE);
+      core.glPolygonMode(GL_BACK, GL_POINT);
+    }
     gl.glBindVertexArray(vertex_array);
     gl.glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
     gl.glBindBuffer(GL_UNIFORM_BUFFER, buffers[1]);
@@ -156,14 +175,18 @@ class NvgState : public NvgGlTest {
     core.glPixelStorei(GL_UNPACK_SKIP_ROWS, 5);
     ASSERT_TRUE(renderer.texture_bind_2d_by_id(textures[0], 0));
     ASSERT_TRUE(renderer.texture_bind_2d_by_id(textures[1], 3));
+    if (more.glBindSampler) more.glBindSampler(0, sampler);
   }
   void make_state_usual() {
-    for (const GLenum name :
-         {GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_STENCIL_TEST,
-          GL_SAMPLE_ALPHA_TO_COVERAGE, GL_COLOR_LOGIC_OP, GL_RASTERIZER_DISCARD}) {
+    for (const GLenum name : SPOILERS) core.glDisable(name);
+    for (const GLenum name : {GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_STENCIL_TEST}) {
       core.glDisable(name);
     }
-    if (!renderer.is_core_context()) core.glDisable(GL_ALPHA_TEST);
+    if (!renderer.is_core_context()) {
+      core.glDisable(GL_ALPHA_TEST);
+      core.glDisable(GL_POLYGON_STIPPLE);
+    }
+    if (more.glBindSampler) more.glBindSampler(0, 0);
     core.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     core.glStencilMask(0xFF);
     core.glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
@@ -188,7 +211,7 @@ class NvgState : public NvgGlTest {
   const GlCoreTable& core = context.core();
   const GlTable& gl = context.gl();
   GlVectorFunctions more;
-  GLuint buffers[4] = {}, textures[2] = {}, vertex_array = 0;
+  GLuint buffers[4] = {}, textures[2] = {}, vertex_array = 0, sampler = 0;
 };
 ORV_NVG_PROFILES(NvgState);
 

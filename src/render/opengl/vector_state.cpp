@@ -7,9 +7,11 @@ namespace {
 
 constexpr GLenum CAPABILITIES[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_BLEND, GL_SCISSOR_TEST,
                                    GL_STENCIL_TEST};
-// The last one exists with the fixed pipeline only.
-constexpr GLenum SPOILERS[] = {GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP,
-                               GL_RASTERIZER_DISCARD, GL_ALPHA_TEST};
+// The last two exist with the fixed pipeline only.
+constexpr GLenum SPOILERS[] = {
+    GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP, GL_RASTERIZER_DISCARD,
+    GL_POLYGON_SMOOTH,           GL_CLIP_DISTANCE0,  GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE2,
+    GL_CLIP_DISTANCE3,           GL_ALPHA_TEST,      GL_POLYGON_STIPPLE};
 constexpr GLenum PIXEL_STORES[] = {GL_UNPACK_ALIGNMENT, GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_PIXELS,
                                    GL_UNPACK_SKIP_ROWS};
 
@@ -92,7 +94,7 @@ GlVectorFrameState::GlVectorFrameState(const GlVectorTables& tables) : tables_(t
   read_stencil();
   read_bindings();
 
-  for (int i = 0; i < NUM_SPOILERS - (tables_.core_profile ? 1 : 0); ++i) {
+  for (int i = 0; i < NUM_SPOILERS - (tables_.core_profile ? NUM_FIXED_SPOILERS : 0); ++i) {
     spoilers_[i] = core.glIsEnabled(SPOILERS[i]) == GL_TRUE;
     if (spoilers_[i]) core.glDisable(SPOILERS[i]);
   }

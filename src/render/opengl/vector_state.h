@@ -54,7 +54,7 @@ class GlVectorFrameState {
   GlVectorFrameState& operator=(const GlVectorFrameState&) = delete;
 
  private:
-  enum { NUM_CAPABILITIES = 5, NUM_SPOILERS = 5 };
+  enum { NUM_CAPABILITIES = 5, NUM_SPOILERS = 11, NUM_FIXED_SPOILERS = 2 };
   struct StencilSide {
     GLint function = 0, reference = 0, value_mask = 0, write_mask = 0;
     GLint fail = 0, depth_fail = 0, depth_pass = 0;
