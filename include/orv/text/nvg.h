@@ -106,7 +106,7 @@ ORV_API void end_frame();
 /// Resets all settings of the frame: transform, paint and text.
 ORV_API void reset();
 
-/// Pushes all settings on a stack of 32 entries; a full stack stays as it is.
+/// Pushes all settings on a stack of 24 entries; a full stack stays as it is.
 ORV_API void save();
 
 /// Takes back the settings of the last save().
