@@ -22,8 +22,8 @@ TEST(LargeArray, ElementsStartAsNewOnesDo) {
 }
 
 TEST(LargeArray, WhatDoesNotFitThrows) {
-#ifdef ORV_TEST_ADDRESS_SANITIZER
-  GTEST_SKIP() << "the address sanitizer ends the program in place of throwing";
+#ifdef ORV_TEST_SANITIZED_ALLOCATION
+  GTEST_SKIP() << "the sanitizer ends the program in place of throwing";
 #endif
   volatile std::size_t n = static_cast<std::size_t>(-1) / sizeof(vec4) - 1;
   EXPECT_THROW(delete[] new_large_array<vec4>(n), std::bad_alloc);
