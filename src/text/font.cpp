@@ -33,7 +33,10 @@ bool FontTexture::release(Renderer* renderer) {
   Texture* texture = texture_;
   texture_ = nullptr;
   texture->remove_ref();
-  if (texture->get_ref() <= 1) TextureMgr::get()->release_texture(renderer, texture, nullptr);
+  TextureMgr& manager = *TextureMgr::get();
+  // The reference that is left is the manager's, unless that gave the texture up before.
+  const int others = manager.has_resource(texture) ? 1 : 0;
+  if (texture->get_ref() <= others) manager.release_texture(renderer, texture, nullptr);
   return true;
 }
 

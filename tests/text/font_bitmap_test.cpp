@@ -141,6 +141,17 @@ TEST_F(FontBitmapTest, TextureThatOthersHoldStays) {
   texture->remove_ref();
 }
 
+TEST_F(FontBitmapTest, TextureThatTheManagerGaveUpStaysWithOthers) {
+  ASSERT_TRUE(font.bm_load_charset_texture(nullptr, data_path("bmfont/font.png").c_str()));
+  Texture* texture = font.bm_get_charset_texture();
+  texture->add_ref();
+  EXPECT_EQ(TextureMgr::get()->release_texture(&renderer, texture, nullptr), 2);
+  EXPECT_TRUE(font.bm_release_charset_texture(&renderer));
+  EXPECT_EQ(texture->get_ref(), 1);
+  EXPECT_NE(texture->get_pixmap_u8_ptr(), nullptr);
+  texture->release(&renderer, nullptr);
+}
+
 // ---- vertices ----
 
 TEST_F(FontBitmapTest, RoomNeedsARendererACharsetAndATexture) {

@@ -39,6 +39,7 @@ class ORV_API Font : public Object {
   /// Texts that the queue holds.
   static constexpr unsigned int MAX_STRINGS = 512;
 
+  /// A font with a record, an empty queue, and nothing loaded.
   Font();
   /// Frees what the font holds in main memory.
   ~Font() override;
@@ -134,7 +135,8 @@ class ORV_API Font : public Object {
   bool bm_load_charset_texture_from_memory_v2(Renderer* renderer, const void* data,
                                               unsigned int size, PIXEL_FORMAT format, bool mipmaps);
   /// @}
-  /// Lets go of the page image, which ends unless others hold it. False without one.
+  /// Lets go of the page image, which ends unless others hold it. Without a renderer its copy on
+  /// the GPU stays. False without a page image.
   bool bm_release_charset_texture(Renderer* renderer);
   /// Name of the page image in the charset, without a folder; null without a charset.
   const char* bm_get_charset_image_filename() const;
@@ -181,7 +183,7 @@ class ORV_API Font : public Object {
   /// which is sent to the GPU when it is bound next; the bitmap is gone then.
   bool stbttf_add_layer_to_texture_2d_array(Renderer* renderer, Texture* texture,
                                             unsigned int layer);
-  /// Lets go of the texture, which ends unless others hold it. False without one.
+  /// Lets go of the texture as bm_release_charset_texture does. False without one.
   bool stbttf_release_font_texture(Renderer* renderer);
   /// The texture, null for none; borrowed.
   Texture* stbttf_get_font_texture() const;
