@@ -91,6 +91,7 @@ void text_render(float x, float y, float r, float g, float b, float a, char cons
 
 void text_draw(float size, char const* name, int align, float x, float y, float r, float g, float b,
                float a, char const* text) {
+  if (!in_range({size})) return;
   text_prepare(size, name, align);
   text_render(x, y, r, g, b, a, text);
 }

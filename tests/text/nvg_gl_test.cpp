@@ -39,7 +39,7 @@ TEST_P(NvgContexts, NewContextIsAppendedAndNotMadeCurrent) {
 }
 
 TEST_P(NvgContexts, FailingNewContextLeavesTheListAlone) {
-  const LogCapture log(LOG_LEVEL_INFO);
+  const LogCapture log(LOG_LEVEL_ERROR);
   EXPECT_EQ(nvg::create_context(nullptr, true), 0);
   EXPECT_EQ(log.lines(), std::vector<std::string>{"NanoVG - unable to create a new context!"});
   EXPECT_EQ(nvg::get_num_contexts(), 1u);
@@ -290,6 +290,26 @@ TEST_P(NvgShapes, SaveAndRestoreEndWell) {
     nvg::circle_draw_fill_color(100, 100, 5, 1, 0, 0, 1);
   });
   EXPECT_EQ(at(100, 100), RED_PIXEL);
+}
+
+TEST_P(NvgShapes, SettingsStackHolds24) {
+  frame([] {
+    for (int i = 0; i < 24; ++i) {
+      nvg::save();
+      nvg::translate(4, 0);
+    }
+    nvg::save();  // left out
+    nvg::restore();
+    nvg::circle_draw_fill_color(0, 100, 3, 1, 0, 0, 1);
+    for (int i = 0; i < 22; ++i) nvg::restore();
+    nvg::circle_draw_fill_color(0, 20, 3, 1, 1, 1, 1);
+    nvg::restore();
+    nvg::circle_draw_fill_color(64, 64, 3, 1, 1, 1, 1);
+  });
+  EXPECT_EQ(at(23 * 4, 100), RED_PIXEL);
+  EXPECT_EQ(at(24 * 4, 100), BLACK_PIXEL);
+  EXPECT_EQ(at(4, 20), WHITE_PIXEL);
+  EXPECT_EQ(at(64, 64), WHITE_PIXEL);
 }
 
 TEST_P(NvgShapes, ChangesOutOfRangeAreLeftOut) {

@@ -83,7 +83,7 @@ TEST(Nvg, EverythingReturnsAtOnceWithoutAContext) {
 }
 
 TEST(Nvg, InitFailsWithoutARenderer) {
-  const LogCapture log(LOG_LEVEL_INFO);
+  const LogCapture log(LOG_LEVEL_ERROR);
   EXPECT_FALSE(nvg::init(nullptr, true));
   EXPECT_EQ(log.lines(), std::vector<std::string>{UNABLE});
   EXPECT_EQ(nvg::get_num_contexts(), 0u);

@@ -233,6 +233,8 @@ TEST_P(NvgText, SizesBeyondTheLimitsAreNotDrawn) {
       nvg::text_render(10, 60, 1, 1, 1, 1, "Hello");
       nvg::font_params(size, "sans", 0);
       nvg::text_render(10, 60, 1, 1, 1, 1, "Hello");
+      nvg::text_prepare(30, "sans", nvg::ALIGN_LEFT);
+      nvg::text_draw(size, "sans", nvg::ALIGN_LEFT, 10, 60, 1, 1, 1, 1, "Hello");
     });
     EXPECT_EQ(count_lit(), 0) << size;
   }
