@@ -1,4 +1,5 @@
 // Font: BMFont files.
+#include <orv/gpu/gpu_program_data.h>
 #include <orv/image/image_codec.h>
 
 #include <cstring>
@@ -299,6 +300,30 @@ TEST_F(FontBitmapTest, MeshFollowsScalingAndStates) {
   ASSERT_TRUE(font.bm_render_vb(&renderer));
   EXPECT_EQ(renderer.drawn()[0], 2.0f);
   EXPECT_EQ(renderer.drawn()[1], -6.0f);
+}
+
+/// Always has a program.
+class ProgramRenderer : public FontRenderer {
+ public:
+  using FontRenderer::FontRenderer;
+  GpuProgramData* get_current_gpu_program() override { return &program_; }
+
+ private:
+  GpuProgramData program_;
+};
+
+TEST_F(FontBitmapTest, MeshTakesTheRenderingStates) {
+  // Under OpenGL each drawing takes them from the program.
+  ProgramRenderer other(ORV_API3D_NONE);
+  ASSERT_TRUE(load_bitmap_font());
+  ASSERT_TRUE(draw_white("A"));
+  ASSERT_TRUE(font.bm_update_vb(&other, false));
+  for (const bool legacy : {true, false, true}) {
+    font.set_opengl_2_3_rendering_states(legacy, nullptr);
+    other.clear();
+    ASSERT_TRUE(font.bm_render_vb(&other));
+    EXPECT_EQ(other.count("load_fixed_matrices"), legacy ? 1 : 0);
+  }
 }
 
 // ---- mapped buffers ----
