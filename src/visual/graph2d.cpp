@@ -59,7 +59,8 @@ struct Graph2dData {
     return vec4(static_cast<float>(viewport.width) * 0.5f,
                 static_cast<float>(viewport.height) * 0.5f, 0.0f, 0.0f);
   }
-  void store_axis(vec4 (&axis)[2], const vec4& start, const vec4& end) const {
+  // By value: hosts may hand in an end that is being stored.
+  void store_axis(vec4 (&axis)[2], vec4 start, vec4 end) const {
     const vec4 offset = shift();
     axis[0] = vec4(start.x - offset.x, start.y - offset.y, start.z, start.w);
     axis[1] = vec4(end.x - offset.x, end.y - offset.y, end.z, end.w);
@@ -228,8 +229,9 @@ bool Graph2d::draw_all_curves(Renderer* renderer) {
 // ---- axes and plot range ----
 
 void Graph2d::set_x_axis_positions(const vec4& start, const vec4& end) {
-  set_plot_range(start, end);
-  data_->store_axis(data_->x_axis_positions, start, end);
+  const vec4 ends[2] = {start, end};
+  set_plot_range(ends[0], ends[1]);
+  data_->store_axis(data_->x_axis_positions, ends[0], ends[1]);
 }
 
 void Graph2d::set_y_axis_positions(const vec4& start, const vec4& end) {
@@ -237,8 +239,9 @@ void Graph2d::set_y_axis_positions(const vec4& start, const vec4& end) {
 }
 
 void Graph2d::set_plot_range(const vec4& start, const vec4& end) {
+  const vec4 new_end = end;  // `end` may be the old start
   data_->plot_start = start;
-  data_->plot_end = end;
+  data_->plot_end = new_end;
 }
 
 const vec4& Graph2d::get_plot_start() const { return data_->plot_start; }

@@ -284,5 +284,21 @@ TEST(Graph2d, AxesAreStoredMovedAndTheRangeAsItIs) {
   EXPECT_EQ(graph->get_plot_end(), vec4(190, 20, 2, 1)) << "the vertical axis is no range";
 }
 
+TEST(Graph2d, EndsCanBeSwapped) {
+  const Held<Graph2d> graph;
+  graph->set_x_axis_positions(vec4(1, 2, 0, 1), vec4(3, 4, 0, 1));
+  graph->set_x_axis_positions(graph->get_plot_end(), graph->get_plot_start());
+  EXPECT_EQ(graph->get_plot_start(), vec4(3, 4, 0, 1));
+  EXPECT_EQ(graph->get_plot_end(), vec4(1, 2, 0, 1));
+  EXPECT_EQ(graph->get_x_axis_positions()[0], vec4(3, 4, 0, 1));
+  EXPECT_EQ(graph->get_x_axis_positions()[1], vec4(1, 2, 0, 1));
+  const vec4* y_axis = graph->get_y_axis_positions();
+  graph->set_y_axis_positions(y_axis[1], y_axis[0]);
+  EXPECT_EQ(y_axis[0], vec4(0, 100, 0, 1));
+  EXPECT_EQ(y_axis[1], vec4(0, 0, 0, 1));
+  graph->set_plot_range(graph->get_plot_end(), graph->get_plot_start());
+  EXPECT_EQ(graph->get_plot_end(), vec4(3, 4, 0, 1));
+}
+
 }  // namespace
 }  // namespace orv
