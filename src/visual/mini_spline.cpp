@@ -129,8 +129,9 @@ void MiniSpline::eval_spline(const float* keys, int num_keys, int dim, float t, 
   // In this form a time that is no number counts as the first.
   if (!(t > *key(0))) t = *key(0);
   if (t > *key(last)) t = *key(last);
-  int k = 1;
+  int k = 0;
   while (k < last && !(t <= *key(k))) ++k;
+  k = std::max(k, 1);
   const float length = *key(k) - *key(k - 1);
   const float u = length != 0.0f ? (t - *key(k - 1)) / length : 0.0f;
   for (int i = 0; i < 4; ++i) {

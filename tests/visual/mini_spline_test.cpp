@@ -127,6 +127,16 @@ TEST(MiniSpline, EqualTimesAndTimesOutOfOrderEnd) {
   for (const float t : {-9.0f, -2.0f, 0.0f, 7.0f}) value_at(*spline, t);
 }
 
+TEST(MiniSpline, FirstKeyframeThatIsNotBeforeTheTimeCounts) {
+  const Held<MiniSpline> spline;
+  const vec3 first(1, 2, 3);
+  spline->add_keyframe(5, first.x, first.y, first.z);
+  spline->add_keyframe(3, 7, 8, 9);
+  spline->add_keyframe(7, 4, 5, 6);
+  EXPECT_TRUE(near(value_at(*spline, 5), first, 1e-6f)) << "also where times are out of order";
+  EXPECT_TRUE(near(value_at(*spline, 7), vec3(4, 5, 6), 1e-6f));
+}
+
 // ---- drawing ----
 
 TEST(MiniSpline, DrawsAThousandPointsFromTheFirstToTheLastKeyframe) {
