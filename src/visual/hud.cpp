@@ -10,6 +10,8 @@
 #include <orv/render/renderer.h>
 #include <orv/scene/camera.h>
 
+#include <string>
+
 #include "geometry/primitives/quad_corners.h"
 #include "visual/overlay_state.h"
 #include "visual/parts.h"
@@ -134,18 +136,19 @@ void Hud::cleanup(Renderer* renderer) { data_->drop(renderer, true); }
 
 bool Hud::init_texture(Renderer* renderer, const char* filename) {
   if (!renderer || !filename) return false;
+  const std::string path = filename;  // it may be the name of the texture that goes
   release_own_texture(renderer, data_->texture, true);
   TextureMgr& manager = *TextureMgr::get();
   Texture* texture = manager.create_texture();
   texture->add_ref();
-  if (!manager.load_image_from_file(texture, filename, false, PF_RGB_U8)) {
-    LogMgr::get().tracef_error("- Unable to load texture (%s).", filename);
+  if (!manager.load_image_from_file(texture, path.c_str(), false, PF_RGB_U8)) {
+    LogMgr::get().tracef_error("- Unable to load texture (%s).", path.c_str());
     release_own_texture(renderer, texture, true);
     return false;
   }
   texture->get_data_ptr()->set_type(TEXTURE_2D);
   if (!texture->upload(renderer, 0, false)) {
-    LogMgr::get().tracef_error("- Unable to upload texture (%s) to renderer.", filename);
+    LogMgr::get().tracef_error("- Unable to upload texture (%s) to renderer.", path.c_str());
     release_own_texture(renderer, texture, true);
     return false;
   }

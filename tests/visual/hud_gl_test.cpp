@@ -101,6 +101,16 @@ TEST_P(HudGlTest, HostsTexturesAreUploadedAndDrawn) {
   texture->_cleanup(&renderer);
 }
 
+TEST_P(HudGlTest, TexturesThatDoNotRepeatShowTheirUpperEdgeAlone) {
+  ASSERT_TRUE(load_corners());
+  hud.get_texture()->set_addressing_mode(&renderer, SAMPLER_ADDRESSING_CLAMP);
+  hud.render(&renderer, 0, 0, 64, 64, false, ONE, ONE);
+  for (const int y : {2, 32, 61}) {
+    EXPECT_EQ(context.pixel(15, y), RED) << y;
+    EXPECT_EQ(context.pixel(48, y), GREEN) << y;
+  }
+}
+
 TEST_P(HudGlTest, StartsAnewAfterCleanup) {
   ASSERT_TRUE(load_corners());
   hud.render(&renderer, 0, 0, 64, 64, false, ONE, ONE);

@@ -107,6 +107,13 @@ TEST_F(HudTest, NewTextureReplacesTheOldOne) {
   EXPECT_EQ(renderer.count("texture_unload"), 1);
 }
 
+TEST_F(HudTest, NameOfTheOldTextureNamesTheNewOne) {
+  ASSERT_TRUE(load());
+  hud.get_texture()->set_name(files.write("other.tga", {4, 5, 6}).c_str());
+  ASSERT_TRUE(hud.init_texture(&renderer, hud.get_texture()->get_name()));
+  EXPECT_EQ(hud.get_texture()->get_image_ptr()->get_u8_ptr()[0], 4);
+}
+
 // ---- drawing ----
 
 TEST_F(HudTest, NothingIsDrawnWithoutRendererTextureOrSize) {
@@ -222,6 +229,7 @@ TEST_F(HudTest, ProgramIsMadeOnceByTheVersion) {
     EXPECT_STREQ(program->get_shader_source_code(GPU_SHADER_VERTEX), texts[0]);
     EXPECT_STREQ(program->get_shader_source_code(GPU_SHADER_PIXEL), texts[1]);
     EXPECT_EQ(program->get_ref(), 2);
+    EXPECT_THAT(renderer.calls(), Contains("is_api_version_at_least(3, 2)"));
     ASSERT_NE(program->get_data_ptr()->find_uniform("tex0"), nullptr);
     EXPECT_EQ(renderer.count("gpu_shader_load"), 2);
     hud.cleanup(&renderer);
