@@ -21,14 +21,22 @@ namespace orv {
 struct SkyboxData {
   MeshQuad* quad = nullptr;
   Texture* cubemap = nullptr;
-  GpuProgram* gpu_program = nullptr;
-  bool own_program = false;       ///< made here, not set by the host
-  bool program_refused = false;   ///< made here, in vain
-  bool sampler_was_sent = false;  ///< through the renderer
+  GpuProgram* own_program = nullptr;   ///< made here, kept while the host's is used
+  GpuProgram* host_program = nullptr;  ///< set by the host
+  bool program_refused = false;        ///< made here, in vain
+  bool sampler_was_sent = false;       ///< through the renderer
 
-  void drop_program(Renderer* renderer, bool from_manager) {
-    release_own_program(renderer, gpu_program, from_manager && own_program);
-    own_program = program_refused = sampler_was_sent = false;
+  GpuProgram* gpu_program() const { return host_program ? host_program : own_program; }
+  void set_host_program(GpuProgram* program) {
+    if (program) program->add_ref();
+    release_own_program(nullptr, host_program, false);
+    host_program = program;
+    program_refused = sampler_was_sent = false;
+  }
+  void drop_programs(Renderer* renderer, bool from_manager) {
+    release_own_program(renderer, host_program, false);
+    release_own_program(renderer, own_program, from_manager);
+    program_refused = sampler_was_sent = false;
   }
 };
 
@@ -81,34 +89,32 @@ Skybox::Skybox() : data_(new SkyboxData) {
 Skybox::~Skybox() {
   release_part(nullptr, data_->quad);
   release_own_texture(nullptr, data_->cubemap, false);
-  data_->drop_program(nullptr, false);
+  data_->drop_programs(nullptr, false);
   delete data_;
 }
 
 bool Skybox::_cleanup(Renderer* renderer) {
   release_part(renderer, data_->quad);
   release_own_texture(renderer, data_->cubemap, true);
-  data_->drop_program(renderer, true);
+  data_->drop_programs(renderer, true);
   return Object::_cleanup(renderer);
 }
 
 // ---- drawing ----
 
 bool Skybox::prepare_program(Renderer& renderer) {
-  if (data_->gpu_program) return true;
+  if (data_->gpu_program()) return true;
   if (data_->program_refused) return false;
-  data_->gpu_program = make_sky_program(renderer);
-  data_->own_program = data_->gpu_program != nullptr;
-  data_->program_refused = !data_->own_program;
-  if (data_->program_refused) {
-    LogMgr::get().tracef_debug("Skybox %s - not drawn: its program was refused", get_name());
-  }
-  return data_->own_program;
+  data_->own_program = make_sky_program(renderer);
+  if (data_->own_program) return true;
+  data_->program_refused = true;
+  LogMgr::get().tracef_debug("Skybox %s - not drawn: its program was refused", get_name());
+  return false;
 }
 
 void Skybox::_render(Renderer* renderer) {
   if (!renderer || !data_->quad || !prepare_program(*renderer) || !data_->cubemap) return;
-  GpuProgramData* program = data_->gpu_program->get_data_ptr();
+  GpuProgramData* program = data_->gpu_program()->get_data_ptr();
   GpuProgramData* previous = renderer->get_current_gpu_program();
   if (!renderer->gpu_program_bind(program)) return;
   if (data_->sampler_was_sent) {
@@ -201,13 +207,9 @@ Texture* Skybox::get_cubemap() const { return data_->cubemap; }
 
 // ---- program and size ----
 
-GpuProgram* Skybox::get_cubemap_gpu_program() const { return data_->gpu_program; }
+GpuProgram* Skybox::get_cubemap_gpu_program() const { return data_->gpu_program(); }
 
-void Skybox::set_cubemap_gpu_program(GpuProgram* program) {
-  if (program) program->add_ref();
-  data_->drop_program(nullptr, false);
-  data_->gpu_program = program;
-}
+void Skybox::set_cubemap_gpu_program(GpuProgram* program) { data_->set_host_program(program); }
 
 bool Skybox::resize(float width, float height) {
   return data_->quad && data_->quad->update_params(width, height);

@@ -26,6 +26,7 @@ using test::DrawWatcher;
 using test::Held;
 using test::LogCapture;
 using test::PictureFiles;
+using testing::Contains;
 using testing::ElementsAre;
 
 class SkyboxTest : public testing::Test {
@@ -178,20 +179,21 @@ TEST_F(SkyboxTest, SamplerIsSentByTheRendererFirstAndKeptInTheProgramThen) {
 TEST_F(SkyboxTest, ProgramIsMadeOnceByTheVersion) {
   for (const bool modern : {false, true}) {
     renderer.answer("is_api_version_at_least", modern);
-    sky->render(&renderer, nullptr);
-    sky->render(&renderer, nullptr);
-    GpuProgram* program = sky->get_cubemap_gpu_program();
+    const Held<Skybox> fresh;
+    fresh->render(&renderer, nullptr);
+    fresh->render(&renderer, nullptr);
+    GpuProgram* program = fresh->get_cubemap_gpu_program();
     ASSERT_NE(program, nullptr);
     EXPECT_STREQ(program->get_name(), modern ? "ORV_skybox_gl3_prog" : "ORV_skybox_gl2_prog");
     EXPECT_EQ(program->get_ref(), 2);
+    EXPECT_THAT(renderer.calls(), Contains("is_api_version_at_least(3, 2)"));
     EXPECT_STREQ(program->get_model_view_matrix_uniform_name(), "ORV_ModelViewMatrix");
     EXPECT_STREQ(program->get_projection_matrix_uniform_name(), "ORV_ProjectionMatrix");
     EXPECT_STREQ(program->get_model_matrix_uniform_name(), "orvex_ModelMatrix") << "no other name";
     EXPECT_STREQ(program->get_vertex_attrib_name(0), "ORV_Position");
     EXPECT_EQ(renderer.count("gpu_shader_load"), 2);
     EXPECT_EQ(GpuProgramMgr::get()->get_num_resources(), 1u);
-    sky->set_cubemap_gpu_program(nullptr);
-    GpuProgramMgr::get()->stop(nullptr);
+    fresh->_cleanup(&renderer);
     renderer.clear();
   }
 }
@@ -216,12 +218,13 @@ TEST_F(SkyboxTest, TextsOfTheProgramsAreThose) {
       "  Out_Color = texture(cubemap, normalize(uv.xyz)); \n}"};
   for (const bool modern : {false, true}) {
     renderer.answer("is_api_version_at_least", modern);
-    sky->render(&renderer, nullptr);
-    const GpuProgram* program = sky->get_cubemap_gpu_program();
+    const Held<Skybox> fresh;
+    fresh->render(&renderer, nullptr);
+    const GpuProgram* program = fresh->get_cubemap_gpu_program();
     const auto& texts = modern ? gl3 : gl2;
     EXPECT_STREQ(program->get_shader_source_code(GPU_SHADER_VERTEX), texts[0]);
     EXPECT_STREQ(program->get_shader_source_code(GPU_SHADER_PIXEL), texts[1]);
-    sky->set_cubemap_gpu_program(nullptr);
+    fresh->_cleanup(&renderer);
   }
 }
 
@@ -281,6 +284,26 @@ TEST_F(SkyboxTest, ProgramOfTheHostIsUsedAndStaysTheHosts) {
   EXPECT_EQ(program->get_ref(), 1);
 }
 
+TEST_F(SkyboxTest, OwnProgramIsKeptWhileThatOfTheHostIsUsed) {
+  ASSERT_TRUE(load());
+  sky->render(&renderer, nullptr);
+  GpuProgram* own = sky->get_cubemap_gpu_program();
+  ASSERT_NE(own, nullptr);
+  const Held<GpuProgram> program;
+  for (int i = 0; i < 3; ++i) {
+    sky->set_cubemap_gpu_program(program);
+    EXPECT_EQ(sky->get_cubemap_gpu_program(), program.get());
+    sky->render(&renderer, nullptr);
+    sky->set_cubemap_gpu_program(nullptr);
+    EXPECT_EQ(sky->get_cubemap_gpu_program(), own);
+    sky->render(&renderer, nullptr);
+  }
+  EXPECT_EQ(renderer.draws.size(), 7u);
+  EXPECT_EQ(renderer.count("gpu_shader_load"), 2) << "made once";
+  EXPECT_EQ(program->get_ref(), 1);
+  EXPECT_EQ(own->get_ref(), 2);
+}
+
 // ---- end ----
 
 TEST_F(SkyboxTest, CleanupReleasesEverything) {
@@ -301,6 +324,16 @@ TEST_F(SkyboxTest, CleanupReleasesEverything) {
   sky->render_geometry(&renderer);
   EXPECT_TRUE(renderer.calls().empty());
   EXPECT_FALSE(sky->resize(1, 1));
+}
+
+TEST_F(SkyboxTest, ProgramThatTheSkyHoldsLastIsUnloadedByCleanup) {
+  ASSERT_TRUE(load());
+  sky->render(&renderer, nullptr);
+  auto* program = new GpuProgram;
+  program->shader_load_from_memory(&renderer, GPU_SHADER_VERTEX, "void main() {}", 14);
+  sky->set_cubemap_gpu_program(program);
+  sky->_cleanup(&renderer);
+  EXPECT_EQ(renderer.count("gpu_program_unload"), 2) << "the host's and its own";
 }
 
 TEST_F(SkyboxTest, CubeMapHeldByOthersLivesOn) {

@@ -55,11 +55,11 @@ class ORV_API Skybox : public Object {
 
   /// Borrowed, null for none.
   Texture* get_cubemap() const;
-  /// Borrowed, null for none.
+  /// What is drawn with: the host's, else the sky's own. Borrowed, null while there is none.
   GpuProgram* get_cubemap_gpu_program() const;
   /// Draws with a program of the host's, of which a reference is taken, in place of the present
   /// one. Its sampler is to be named "cubemap". Null goes back to the program that the sky makes
-  /// itself.
+  /// itself, once.
   void set_cubemap_gpu_program(GpuProgram* program);
   /// Size of the rectangle, 800 x 600 at first. It lies in clip space: 2 x 2 just covers the
   /// screen. False after _cleanup.
