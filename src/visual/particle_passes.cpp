@@ -105,8 +105,9 @@ namespace {
 
 // Two entries of the table, one behind the other.
 inline __m128 load_two(const SizeStep* table, int first, int second) {
-  const __m128d low = _mm_load_sd(reinterpret_cast<const double*>(table + first));
-  return _mm_castpd_ps(_mm_loadh_pd(low, reinterpret_cast<const double*>(table + second)));
+  const auto* low = reinterpret_cast<const __m64*>(table + first);
+  const auto* high = reinterpret_cast<const __m64*>(table + second);
+  return _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), low), high);
 }
 
 // Values of a table at four places, which lie inside it.

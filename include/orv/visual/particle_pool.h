@@ -12,7 +12,7 @@ namespace orv {
 ///
 /// The fields are public for emitters and actions of a host. All arrays are owned by the pool; they
 /// are null and every count is 0 before `alloc` and after `free`. Those of the attributes are
-/// padded to whole groups of four slots, so that loops need no remainder.
+/// padded to whole blocks of 16 slots, so that loops need no remainder.
 class ORV_API ParticlePool {
  public:
   /// Without slots.
