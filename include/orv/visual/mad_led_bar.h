@@ -38,7 +38,7 @@ class ORV_API MadLedBar : public Object {
 
   /// Makes `num_leds` dark grey lights in place of those before. Light i stands at
   /// start + (end - start) * i / num_leds: the last one a step short of `end`. False, with an error
-  /// in the log, for 0 and for too little memory.
+  /// in the log, for 0 and for too little memory. A size given before is kept.
   bool initialize(const vec3& start, const vec3& end, unsigned int num_leds);
   /// The same with a size of the points in pixels, which drawing hands to the uniform "point_size"
   /// of the current program. Nothing is handed over for 0 or less.

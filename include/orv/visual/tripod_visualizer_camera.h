@@ -17,8 +17,8 @@ class ORV_API TripodVisualizerCamera : public TripodVisualizer {
 
   /// Draws the axes with the camera's orientation in the middle of a rectangle of the window, in
   /// pixels, which they fill whatever their scale. Depth is not tested meanwhile. Afterwards
-  /// viewport, matrices and current program are those of before and the depth test is on. False for
-  /// null arguments, an empty rectangle, a scale of 0, and before init.
+  /// viewport, matrices and current program are those of before, the depth test is on and the line
+  /// width 1. False for null arguments, an empty rectangle, a scale of 0, and before init.
   virtual bool render(Renderer* renderer, Camera* camera, int x, int y, int width, int height);
 };
 

@@ -16,7 +16,8 @@ class ORV_API TripodVisualizerObject : public TripodVisualizer {
   ~TripodVisualizerObject() override;  ///< as that of the base
 
   /// Draws the axes with the absolute transform of the object, its scale with it, and the
-  /// renderer's present matrices. False for null arguments and before init.
+  /// renderer's present matrices. The line width is 1 afterwards. False for null arguments and
+  /// before init.
   virtual bool render(Renderer* renderer, Object* object);
 };
 
