@@ -113,7 +113,8 @@ class ORV_API VertexPool : public Object {
   /// @{
   /// Copy the interleaved vertices, and the user arrays behind them, to or from a buffer that is
   /// mapped meanwhile. False for null, with separate arrays, when the buffer is smaller than the
-  /// vertices and when it can't be mapped. Without a renderer nothing is copied and the result is true.
+  /// vertices and when it can't be mapped. Without a renderer nothing is copied and the result is
+  /// true.
   bool vertices_to_gpu_buffer(Renderer* renderer, GpuBuffer* buffer);
   bool vertices_from_gpu_buffer(Renderer* renderer, GpuBuffer* buffer);
   /// @}
