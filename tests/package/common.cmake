@@ -65,8 +65,8 @@ endfunction()
 
 # With this tree as a part of the host's: nothing but the library may be built of it.
 function(must_build_hosts_around_tree folder)
-  # Warnings as errors only so that the compiler cache knows the command lines.
-  must_build_hosts(${folder} -DORV_TREE=${SOURCE} -DORV_WERROR=ON ${ARGN})
+  # Unoptimised: what is tested is that it builds, and that takes half the time.
+  must_build_hosts(${folder} -DORV_TREE=${SOURCE} -DCMAKE_BUILD_TYPE=Debug ${ARGN})
   file(STRINGS ${folder}/CMakeCache.txt options REGEX "^ORV_(BUILD_[A-Z]+|INSTALL):")
   list(LENGTH options count)
   if(count LESS 6)
