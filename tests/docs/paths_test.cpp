@@ -52,7 +52,8 @@ TEST_P(Papers, LinkToFilesThatExist) {
 
 INSTANTIATE_TEST_SUITE_P(All, Papers,
                          testing::Values("README.md", "CONTRIBUTING.md", "docs/architecture.md",
-                                         "docs/renderer.md", "docs/guide.md", "docs/gallery.md"),
+                                         "docs/renderer.md", "docs/guide.md", "docs/gallery.md",
+                                         "docs/performance.md"),
                          [](const auto& paper) { return fs::path(paper.param).stem().string(); });
 
 }  // namespace
