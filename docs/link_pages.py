@@ -11,7 +11,9 @@ def link(match):
     name = match[3].rsplit("/", 1)[-1]
     if match[1]:  # a picture, found by its name
         return f"![{match[2]}]({name})"
-    if "://" in match[3] or name in PAGES and "data/" not in match[3]:
+    # Of the files of one name, such as README.md, the one that is a page lies at the root or in docs.
+    folder = match[3][:-len(name)].strip("/")
+    if "://" in match[3] or name in PAGES and folder in ("", "..", "docs"):
         return match[0]
     return match[2]
 
