@@ -1,30 +1,15 @@
 // Materials carry a program and textures: pixels from a file, computed ones, and two at once.
 #include "common/example.h"
+#include "common/shaders.h"
 
 using namespace examples;
 using orv::vec4;
 
 namespace {
 
-const char* const vertex = R"(
-ATTRIBUTE vec4 orvex_Position;
-ATTRIBUTE vec4 orvex_TexCoord0;
-ATTRIBUTE vec4 orvex_Normal;
-uniform mat4 orvex_ModelViewMatrix;
-uniform mat4 orvex_ModelViewProjectionMatrix;
-VARYING vec3 normal;
-VARYING vec2 uv;
-
-void main() {
-  normal = mat3(orvex_ModelViewMatrix) * orvex_Normal.xyz;
-  uv = orvex_TexCoord0.xy;
-  gl_Position = orvex_ModelViewProjectionMatrix * vec4(orvex_Position.xyz, 1.0);
-}
-)";
-
 // Textures stand in the units that the material gives them: the first in 0, the second in 1.
 const char* const pixel = R"(
-VARYING vec3 normal;
+VARYING vec3 view_normal;
 VARYING vec2 uv;
 uniform sampler2D color_map;
 uniform sampler2D mask_map;
@@ -34,7 +19,7 @@ uniform float tiles;
 void main() {
   vec3 color = SAMPLE(color_map, uv * tiles).rgb;
   if (masked > 0.5) color = mix(vec3(0.93, 0.78, 0.40), color, SAMPLE(mask_map, uv).r);
-  float light = max(dot(normalize(normal), normalize(vec3(-0.45, 0.75, 0.6))), 0.0);
+  float light = max(dot(normalize(view_normal), normalize(vec3(-0.45, 0.75, 0.6))), 0.0);
   PIXEL = vec4(color * (0.35 + 0.75 * light), 1.0);
 }
 )";
@@ -45,7 +30,7 @@ class Materials : public Example {
  public:
   bool create() override {
     look(vec4(0.0f, 0.6f, 13.0f), vec4(0.0f, 0.0f, 0.0f), 27.0f);
-    program_ = make_program("textured", vertex, pixel);
+    program_ = make_program("textured", surface_vertex, pixel);
     if (!program_) return false;
     program_->set_uniform_1i(nullptr, "color_map", 0);
     program_->set_uniform_1i(nullptr, "mask_map", 1);

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "common/example.h"
+#include "common/shaders.h"
 
 using namespace examples;
 using orv::vec4;
@@ -9,29 +10,13 @@ using orv::vec4;
 namespace {
 
 // The second texture coordinate of a ribbon runs from 0 at its first point to 1 at its last.
-const char* const vertex = R"(
-ATTRIBUTE vec4 orvex_Position;
-ATTRIBUTE vec4 orvex_TexCoord0;
-ATTRIBUTE vec4 orvex_Normal;
-uniform mat4 orvex_ModelViewMatrix;
-uniform mat4 orvex_ModelViewProjectionMatrix;
-VARYING vec3 normal;
-VARYING vec2 uv;
-
-void main() {
-  normal = mat3(orvex_ModelViewMatrix) * orvex_Normal.xyz;
-  uv = orvex_TexCoord0.xy;
-  gl_Position = orvex_ModelViewProjectionMatrix * vec4(orvex_Position.xyz, 1.0);
-}
-)";
-
 const char* const pixel = R"(
-VARYING vec3 normal;
+VARYING vec3 view_normal;
 VARYING vec2 uv;
 uniform vec4 tint;
 
 void main() {
-  float light = abs(dot(normalize(normal), normalize(vec3(-0.3, 0.6, 0.7))));
+  float light = abs(dot(normalize(view_normal), normalize(vec3(-0.3, 0.6, 0.7))));
   float edge = smoothstep(0.0, 0.16, 0.5 - abs(uv.x - 0.5));
   vec3 color = mix(vec3(1.0), tint.rgb, edge) * (0.4 + 0.7 * light);
   PIXEL = vec4(color, smoothstep(0.0, 0.5, uv.y));
@@ -44,7 +29,7 @@ class Ribbons : public Example {
  public:
   bool create() override {
     look(vec4(0.0f, 6.0f, 15.0f), vec4(0.0f, 2.1f, 0.0f), 30.0f);
-    program_ = make_program("ribbon", vertex, pixel);
+    program_ = make_program("ribbon", surface_vertex, pixel);
     if (!program_) return false;
     orv::Material* material = make_material("ribbon", program_);
     for (int i = 0; i < 3; ++i) {

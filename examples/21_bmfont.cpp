@@ -1,25 +1,11 @@
 // Text from a BMFont file: glyphs cut from one picture, as many texts as one likes in one draw.
 #include "common/example.h"
+#include "common/shaders.h"
 
 using namespace examples;
 using orv::vec4;
 
 namespace {
-
-const char* const vertex = R"(
-ATTRIBUTE vec4 orvex_Position;
-ATTRIBUTE vec4 orvex_TexCoord0;
-ATTRIBUTE vec4 orvex_Color;
-uniform mat4 orvex_ModelViewProjectionMatrix;
-VARYING vec2 uv;
-VARYING vec4 color;
-
-void main() {
-  uv = orvex_TexCoord0.xy;
-  color = orvex_Color;
-  gl_Position = orvex_ModelViewProjectionMatrix * vec4(orvex_Position.xyz, 1.0);
-}
-)";
 
 const char* const pixel = R"(
 VARYING vec2 uv;
@@ -34,7 +20,7 @@ void main() { PIXEL = color * SAMPLE(glyphs, uv); }
 class BitmapFont : public Example {
  public:
   bool create() override {
-    program_ = make_program("glyphs", vertex, pixel);
+    program_ = make_program("glyphs", surface_vertex, pixel);
     if (!program_) return false;
     program_->set_uniform_1i(nullptr, "glyphs", 0);
 

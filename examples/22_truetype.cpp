@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "common/example.h"
+#include "common/shaders.h"
 
 using namespace examples;
 using orv::vec4;
@@ -9,21 +10,6 @@ using orv::vec4;
 namespace {
 
 const char* const font_file = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf";
-
-const char* const vertex = R"(
-ATTRIBUTE vec4 orvex_Position;
-ATTRIBUTE vec4 orvex_TexCoord0;
-ATTRIBUTE vec4 orvex_Color;
-uniform mat4 orvex_ModelViewProjectionMatrix;
-VARYING vec2 uv;
-VARYING vec4 color;
-
-void main() {
-  uv = orvex_TexCoord0.xy;
-  color = orvex_Color;
-  gl_Position = orvex_ModelViewProjectionMatrix * vec4(orvex_Position.xyz, 1.0);
-}
-)";
 
 // The texture has one channel: how much of a pixel the letter covers.
 const char* const pixel = R"(
@@ -40,7 +26,7 @@ class TrueType : public Example {
  public:
   bool create() override {
     background_top = background_bottom = vec4(0.13f, 0.15f, 0.19f, 1.0f);
-    program_ = make_program("glyphs", vertex, pixel);
+    program_ = make_program("glyphs", surface_vertex, pixel);
     if (!program_) return false;
     program_->set_uniform_1i(nullptr, "glyphs", 0);
     font_ = keep(new orv::Font);

@@ -3,24 +3,17 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <string>
-#include <vector>
 
-#include "common/png_writer.h"
-#include "common/shaders.h"
+#include "common/torus_scene.h"
 
 // After the library's headers: Xlib, which the second line needs, defines macros with common names.
 #include <GLFW/glfw3.h>
 #define GLFW_EXPOSE_NATIVE_X11
 #include <GLFW/glfw3native.h>
 
-namespace {
+using namespace examples;
 
-struct Size {
-  int width = 480;
-  int height = 360;
-};
+namespace {
 
 GLFWwindow* create_window(Size size) {
   glfwWindowHint(GLFW_CLIENT_API, GLFW_NO_API);  // no context of GLFW's
@@ -39,46 +32,12 @@ bool handle_events(GLFWwindow* window, Size* size) {
   return !glfwWindowShouldClose(window) && glfwGetKey(window, GLFW_KEY_ESCAPE) != GLFW_PRESS;
 }
 
-void draw(orv::Renderer* renderer, orv::Mesh* torus, Size size, float angle) {
-  orv::Camera camera;
-  const float aspect = static_cast<float>(size.width) / static_cast<float>(size.height);
-  camera.build_projection_persp(32.0f, aspect, 0.1f, 100.0f, true);
-  camera.set_viewport(0, 0, size.width, size.height);
-  camera.set_position(0.0f, 4.0f, 8.0f);
-  camera.set_lookat(0.0f, 0.0f, 0.0f);
-  camera.bind(renderer, true, true, true, true, true);
-  renderer->clear_color_depth_buffers_rgba(0.20f, 0.24f, 0.31f, 1.0f, 1.0f);
-  torus->set_orientation_euler_xyz(35.0f, angle, 0.0f);
-  torus->render(renderer, nullptr);
-}
-
-orv::Mesh* create_torus(orv::Renderer* renderer) {
-  const std::string text = examples::sectioned_shader(examples::surface_vertex, examples::lit_pixel,
-                                                      renderer->is_api_version_at_least(3, 2));
-  orv::Material* material = orv::MaterialMgr::get()->create_material("lit");
-  material->set_gpu_program(orv::GpuProgramMgr::get()->create_gpu_program_from_memory(
-      renderer, text.c_str(), static_cast<unsigned int>(text.size()), "lit"));
-  orv::MeshTorus* torus = new orv::MeshTorus;
-  torus->set_build_params(1.9f, 0.6f, 64);
-  torus->build(nullptr);
-  torus->set_vertices_color(0.17f, 0.62f, 0.62f, 1.0f, nullptr);
-  torus->add_material(material, nullptr);
-  return torus;
-}
-
-bool write_picture(orv::Renderer* renderer, const char* path, Size size) {
-  std::vector<unsigned char> rgba(static_cast<std::size_t>(size.width) *
-                                  static_cast<std::size_t>(size.height) * 4);
-  renderer->read_back_buffer_rect_rgba(rgba.data(), 0, 0, size.width, size.height);
-  return orv_app::write_png(path, rgba.data(), size.width, size.height);
-}
-
 // Until the window is closed, or once with a picture to write.
-bool run(orv::Renderer* renderer, GLFWwindow* window, const char* picture, bool core) {
+bool run(orv::Renderer* renderer, GLFWwindow* window, const HostOptions& options) {
   Size size;
   orv::RenderWindowData data;
   data.gl_major = 3;
-  data.core_profile = core;
+  data.core_profile = options.core;
   std::snprintf(data.msaa, sizeof(data.msaa), "4X MSAA");
   data.app_instance = glfwGetX11Display();
   data.native_window =
@@ -92,17 +51,17 @@ bool run(orv::Renderer* renderer, GLFWwindow* window, const char* picture, bool 
     return false;
   }
   renderer->render_window_set_swap_interval(render_window, true);
-  orv::Mesh* torus = create_torus(renderer);
+  orv::Mesh* torus = create_torus(renderer, orv::vec4(0.17f, 0.62f, 0.62f, 1.0f));
 
   float angle = 30.0f;
   bool done = true;
-  while (!picture && handle_events(window, &size)) {
-    draw(renderer, torus, size, angle += 0.7f);
+  while (!options.picture && handle_events(window, &size)) {
+    draw_torus(renderer, torus, size, angle += 0.7f);
     renderer->render_window_swap_buffers(render_window);
   }
-  if (picture) {
-    draw(renderer, torus, size, angle);
-    done = write_picture(renderer, picture, size);
+  if (options.picture) {
+    draw_torus(renderer, torus, size, angle);
+    done = write_picture(renderer, options.picture, size);
   }
   torus->release(renderer, nullptr);
   renderer->stop();
@@ -113,12 +72,7 @@ bool run(orv::Renderer* renderer, GLFWwindow* window, const char* picture, bool 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const char* picture = nullptr;
-  bool core = true;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    if (!std::strcmp(argv[i], "--output")) picture = argv[i + 1];
-    if (!std::strcmp(argv[i], "--profile")) core = !std::strcmp(argv[i + 1], "core");
-  }
+  const HostOptions options(argc, argv);
   GLFWwindow* window = glfwInit() ? create_window(Size()) : nullptr;
   if (!window) {
     std::fprintf(stderr, "no window\n");
@@ -128,7 +82,7 @@ int main(int argc, char** argv) {
   orv::core::start(nullptr, true, nullptr, nullptr);
   orv::Renderer* renderer = orv::Kernel::get()->load_core_opengl_renderer_plugin(true);
   renderer->initialize();
-  const bool done = run(renderer, window, picture, core);
+  const bool done = run(renderer, window, options);
   orv::core::stop(nullptr);
   glfwTerminate();  // closes the window
   return done ? 0 : 1;
