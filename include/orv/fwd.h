@@ -166,4 +166,25 @@ class TripodVisualizerObject;
 // loaders
 class Loader3D;
 
+// services
+class SocketCore;
+class SockAddr;
+class Socket;
+class TcpServer;
+class TcpServerClientThreadParams;
+class AudioData;
+class AudioFrame;
+class WebcamWin32;
+class Keyboard;
+class Audio;
+class FreeTypeGLPluginInterface;
+class OpenCLPlugin;
+class SimpleVideo;
+class PhysX;
+class GpuMonitor;
+class gpuTemperature;
+class gpuPower;
+class gpuBoostv2;
+class GPU;
+
 }  // namespace orv

@@ -37,6 +37,7 @@ constexpr Layer layers[] = {
     {"loaders/", 5},
     {"text/", 5},
     {"visual/", 5},
+    {"services/", 5},
 };
 
 // -1 for what stands in no layer, such as fwd.h.
