@@ -65,8 +65,8 @@ endfunction()
 
 # With this tree as a part of the host's: nothing but the library may be built of it.
 function(must_build_hosts_around_tree folder)
-  # Unoptimised: what is tested is that it builds, and that takes half the time.
-  must_build_hosts(${folder} -DORV_TREE=${SOURCE} -DCMAKE_BUILD_TYPE=Debug ${ARGN})
+  # With the generator and the flags of the tree's own build: a compiler cache knows the objects.
+  must_build_hosts(${folder} -DORV_TREE=${SOURCE} -DORV_WERROR=ON -G ${GENERATOR} ${ARGN})
   file(STRINGS ${folder}/CMakeCache.txt options REGEX "^ORV_(BUILD_[A-Z]+|INSTALL):")
   list(LENGTH options count)
   if(count LESS 6)

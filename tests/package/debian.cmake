@@ -15,10 +15,12 @@ endforeach()
 
 # ---- build ----
 
-must(${CMAKE_COMMAND} -E chdir ${SOURCE} ${CMAKE_COMMAND} --preset package -B ${folder}/build
+set(build ${BUILD}-debian)
+file(REMOVE_RECURSE ${build})
+must(${CMAKE_COMMAND} -E chdir ${SOURCE} ${CMAKE_COMMAND} --preset package -B ${build}
   -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
-must(${CMAKE_COMMAND} --build ${folder}/build)
-must(${CMAKE_COMMAND} -E chdir ${folder} cpack --config ${folder}/build/CPackConfig.cmake)
+must(${CMAKE_COMMAND} --build ${build})
+must(${CMAKE_COMMAND} -E chdir ${folder} cpack --config ${build}/CPackConfig.cmake)
 file(GLOB packages ${folder}/*.deb)
 list(TRANSFORM packages REPLACE ".*/([^/]+)_0\\.26\\.[0-9]+-1_amd64\\.deb$" "\\1"
   OUTPUT_VARIABLE names)

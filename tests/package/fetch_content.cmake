@@ -1,2 +1,2 @@
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
-must_build_hosts_around_tree(${WORK}/fetch_content -DORV_FETCH=ON)
+must_build_hosts_around_tree(${BUILD}-fetch_content -DORV_FETCH=ON)
