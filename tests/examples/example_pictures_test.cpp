@@ -2,6 +2,8 @@
 // what it shows, in OpenGL 2.1.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <tuple>
 
@@ -47,6 +49,7 @@ constexpr Shown examples[] = {
     {"25_led_bar"},
     {"26_spline"},
     {"27_hud"},
+    {"31_webcam"},
 };
 
 class Examples : public testing::TestWithParam<std::tuple<Shown, Generation>> {};
@@ -56,7 +59,8 @@ TEST_P(Examples, DrawsItsPicture) {
   const Generation& generation = std::get<1>(GetParam());
   const bool there = (shown.in_core || generation.profile != std::string("core")) &&
                      (shown.in_gl2 || generation.version != std::string("2.1"));
-  const int status = run_example("-u DISPLAY", shown.name, generation, shown.size);
+  const int status =
+      run_example("-u DISPLAY EXAMPLE_CAMERA=none", shown.name, generation, shown.size);
   if (!there) {
     EXPECT_EQ(status, exit_missing) << "should say that this OpenGL has no such feature";
     return;
@@ -72,6 +76,18 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& run) {
       return std::string(std::get<0>(run.param).name) + "_" + std::get<1>(run.param).name;
     });
+
+TEST(WebcamExample, SaysThatThereIsNoCamera) {
+  const std::string picture = std::string(ORV_TEST_OUTPUT_DIR) + "/no_camera.png";
+  const std::string said = std::string(ORV_TEST_OUTPUT_DIR) + "/no_camera.txt";
+  ASSERT_EQ(std::system(("env -u DISPLAY EXAMPLE_CAMERA=none " + example_program("31_webcam") +
+                         " --output '" + picture + "' >'" + said + "'")
+                            .c_str()),
+            0);
+  std::ifstream file(said);
+  const std::string text((std::istreambuf_iterator<char>(file)), {});
+  EXPECT_EQ(text, "no camera: a test card is shown\n");
+}
 
 TEST(ExampleOptions, WrongOnesEndWithUsage) {
   const std::string program = "env -u DISPLAY " + example_program("02_primitives");
