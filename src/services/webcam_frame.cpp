@@ -3,6 +3,8 @@
 #include "image/jpeg_tables.h"
 #include "image/stb_image_decode.h"
 
+#include <emmintrin.h>
+
 #include <cstring>
 #include <new>
 
@@ -44,39 +46,111 @@ void swap_row(const unsigned char* in, std::size_t width, unsigned char* out) {
   }
 }
 
-unsigned char clamp_byte(int fixed) {
-  const int value = fixed >> 16;
+constexpr int SCALE_BITS = 13;
+constexpr int HALF = 1 << (SCALE_BITS - 1);
+
+unsigned char clamp_byte(int scaled) {
+  const int value = scaled >> SCALE_BITS;
   return static_cast<unsigned char>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-/// What U and V add to each channel, with the half that rounds.
-struct Chroma {
-  int r, g, b;
-
-  Chroma(const YuvScale& scale, int u, int v)
-      : r(scale.r_v * (v - 128) + 32768),
-        g(32768 - scale.g_u * (u - 128) - scale.g_v * (v - 128)),
-        b(scale.b_u * (u - 128) + 32768) {}
-};
-
-void put_pixel(const YuvScale& scale, int y, const Chroma& chroma, unsigned char* out) {
-  const int luma = scale.y * (y - scale.y_zero);
-  out[0] = clamp_byte(luma + chroma.b);
-  out[1] = clamp_byte(luma + chroma.g);
-  out[2] = clamp_byte(luma + chroma.r);
+void put_pixel(const YuvScale& scale, int y, int u, int v, unsigned char* out) {
+  const int luma = scale.y * (y - scale.y_zero) + HALF;
+  out[0] = clamp_byte(luma + scale.b_u * (u - 128));
+  out[1] = clamp_byte(luma - scale.g_u * (u - 128) - scale.g_v * (v - 128));
+  out[2] = clamp_byte(luma + scale.r_v * (v - 128));
 }
 
-/// A row whose Y stand Y_STEP bytes apart, and whose V stand V_AT bytes behind their U, twice that
-/// far from pair to pair.
-template <std::size_t Y_STEP, std::size_t V_AT>
-void convert_row(const YuvScale& scale, const unsigned char* y, const unsigned char* u,
-                 std::size_t width, unsigned char* out) {
-  for (std::size_t pair = 0; pair < width / 2; ++pair, y += 2 * Y_STEP, u += 2 * V_AT, out += 6) {
-    const Chroma chroma(scale, u[0], u[V_AT]);
-    put_pixel(scale, y[0], chroma, out);
-    put_pixel(scale, y[Y_STEP], chroma, out + 3);
+/// Eight pixels at once, to the same bits.
+class YuvBlock {
+ public:
+  explicit YuvBlock(const YuvScale& scale)
+      : y_zero_(_mm_set1_epi16(static_cast<short>(scale.y_zero))),
+        b_(pair(scale.y, scale.b_u)),
+        g_(pair(scale.y, -scale.g_u)),
+        g_v_(pair(-scale.g_v, HALF)),
+        r_(pair(scale.y, scale.r_v)) {}
+
+  /// @param y  eight numbers of 16 bits
+  /// @param uv four pairs of them
+  void put(__m128i y, __m128i uv, unsigned char* out) const {
+    uv = _mm_sub_epi16(uv, _mm_set1_epi16(128));
+    y = _mm_sub_epi16(y, y_zero_);
+    const __m128i u = twice<_MM_SHUFFLE(2, 2, 0, 0)>(uv), v = twice<_MM_SHUFFLE(3, 3, 1, 1)>(uv);
+    const __m128i half = _mm_set1_epi32(HALF), one = _mm_set1_epi16(1);
+    const __m128i g_low = _mm_madd_epi16(_mm_unpacklo_epi16(v, one), g_v_);
+    const __m128i g_high = _mm_madd_epi16(_mm_unpackhi_epi16(v, one), g_v_);
+    store(channel(y, u, b_, half, half), channel(y, u, g_, g_low, g_high),
+          channel(y, v, r_, half, half), out);
   }
-  if (width % 2 != 0) put_pixel(scale, y[0], Chroma(scale, u[0], u[V_AT]), out);
+
+ private:
+  static __m128i pair(int first, int second) {
+    return _mm_set1_epi32(static_cast<int>(static_cast<unsigned int>(first & 0xFFFF) |
+                                           static_cast<unsigned int>(second) << 16));
+  }
+
+  template <int ORDER>
+  static __m128i twice(__m128i uv) {
+    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(uv, ORDER), ORDER);
+  }
+
+  /// Eight bytes, each y * weight + uv * weight + the number added.
+  static __m128i channel(__m128i y, __m128i uv, __m128i weights, __m128i low, __m128i high) {
+    low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(y, uv), weights));
+    high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(y, uv), weights));
+    const __m128i words =
+        _mm_packs_epi32(_mm_srai_epi32(low, SCALE_BITS), _mm_srai_epi32(high, SCALE_BITS));
+    return _mm_packus_epi16(words, words);
+  }
+
+  /// Two pixels in each half, without the bytes between them.
+  static __m128i close_up(__m128i pixels) {
+    const __m128i first = _mm_set1_epi64x(0xFFFFFF), second = _mm_slli_epi64(first, 24);
+    return _mm_or_si128(_mm_and_si128(pixels, first),
+                        _mm_and_si128(_mm_srli_epi64(pixels, 8), second));
+  }
+
+  static void store(__m128i b, __m128i g, __m128i r, unsigned char* out) {
+    const __m128i bg = _mm_unpacklo_epi8(b, g), r0 = _mm_unpacklo_epi8(r, _mm_setzero_si128());
+    const __m128i low = close_up(_mm_unpacklo_epi16(bg, r0));
+    const __m128i high = close_up(_mm_unpackhi_epi16(bg, r0));
+    // Each store ends two bytes within the next one, the last with the block.
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), low);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 6), _mm_unpackhi_epi64(low, low));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 12), high);
+    const long long last = _mm_cvtsi128_si64(_mm_unpackhi_epi64(high, high));
+    std::memcpy(out + 18, &last, 6);
+  }
+
+  __m128i y_zero_, b_, g_, g_v_, r_;
+};
+
+__m128i load_words(const unsigned char* bytes) {
+  return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)),
+                           _mm_setzero_si128());
+}
+
+void convert_yuyv_row(const YuvScale& scale, const unsigned char* in, std::size_t width,
+                      unsigned char* out) {
+  const YuvBlock block(scale);
+  std::size_t i = 0;
+  for (; i + 8 <= width; i += 8) {
+    const __m128i both = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i * 2));
+    block.put(_mm_and_si128(both, _mm_set1_epi16(255)), _mm_srli_epi16(both, 8), out + i * 3);
+  }
+  for (; i < width; ++i) {
+    const unsigned char* uv = in + i / 2 * 4;
+    put_pixel(scale, in[i * 2], uv[1], uv[3], out + i * 3);
+  }
+}
+
+void convert_nv12_row(const YuvScale& scale, const unsigned char* y, const unsigned char* uv,
+                      std::size_t width, unsigned char* out) {
+  const YuvBlock block(scale);
+  std::size_t i = 0;
+  for (; i + 8 <= width; i += 8) block.put(load_words(y + i), load_words(uv + i), out + i * 3);
+  for (; i < width; ++i) put_pixel(scale, y[i], uv[i & ~std::size_t{1}], uv[i | 1], out + i * 3);
 }
 
 void convert_row(const FrameLayout& layout, const unsigned char* data, std::size_t row,
@@ -91,10 +165,10 @@ void convert_row(const FrameLayout& layout, const unsigned char* data, std::size
       swap_row(in, width, out);
       break;
     case CameraFormat::YUYV:
-      convert_row<2, 2>(layout.yuv, in, in + 1, width, out);
+      convert_yuyv_row(layout.yuv, in, width, out);
       break;
     default:
-      convert_row<1, 1>(layout.yuv, in, data + (layout.height + row / 2) * stride, width, out);
+      convert_nv12_row(layout.yuv, in, data + (layout.height + row / 2) * stride, width, out);
       break;
   }
 }

@@ -17,13 +17,14 @@ enum class CameraFormat {
   MJPEG,  ///< a JPEG file for each frame
 };
 
-/// How Y, U, V become R, G, B, in units of 1/65536:
+/// How Y, U, V become R, G, B, in units of 1/8192:
 ///
 ///     R = y * (Y - y_zero) + r_v * (V - 128)
 ///     G = y * (Y - y_zero) - g_u * (U - 128) - g_v * (V - 128)
 ///     B = y * (Y - y_zero) + b_u * (U - 128)
 ///
-/// rounded to the nearest whole number and clamped to 0..255.
+/// rounded to the nearest whole number and clamped to 0..255, which is at most 1 beside what the
+/// recommendations (ITU-R BT.601, BT.709) give.
 struct YuvScale {
   int y_zero;
   int y;
@@ -37,8 +38,8 @@ struct YuvScale {
 /// U and V from 16 to 240 (limited range), or all of them from 0 to 255.
 constexpr YuvScale make_yuv_scale(int red, int blue, bool full_range) {
   const double kr = red / 1e4, kb = blue / 1e4, kg = 1.0 - kr - kb;
-  const double luma = 65536.0 * (full_range ? 1.0 : 255.0 / 219.0);
-  const double chroma = 65536.0 * (full_range ? 1.0 : 255.0 / 224.0);
+  const double luma = 8192.0 * (full_range ? 1.0 : 255.0 / 219.0);
+  const double chroma = 8192.0 * (full_range ? 1.0 : 255.0 / 224.0);
   return {full_range ? 0 : 16,
           static_cast<int>(luma + 0.5),
           static_cast<int>(chroma * 2.0 * (1.0 - kr) + 0.5),
