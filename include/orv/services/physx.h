@@ -252,11 +252,12 @@ class ORV_API PhysX : public Plugin {
 
   // ---- contacts ----
 
-  /// Contacts of the last step. With null their number, else as many as were written.
+  /// Contacts as they stood when fetch_results() ended. With null their number, else as many as
+  /// were written.
   virtual unsigned int get_contacts(int scene, PhysXContact* contacts,
                                     unsigned int max_contacts) = 0;
-  /// What entered and left triggers in the last step. With null their number, else as many as were
-  /// written.
+  /// What entered and left triggers between the last simulate() and fetch_results(), in order. With
+  /// null their number, else as many as were written.
   virtual unsigned int get_trigger_events(int scene, PhysXTriggerEvent* events,
                                           unsigned int max_events) = 0;
   /// Function that is told of contacts, in place of the one before; null for none.

@@ -43,19 +43,19 @@ class ORV_API PhysXHit {
   vec3 normal;            ///< of the surface there, of length 1; towards the origin when inside
 };
 
-/// Two bodies that touched in the last step.
+/// Two bodies that touch.
 class ORV_API PhysXContact {
  public:
   int body_a = 0;           ///< the one with the smaller number
   int body_b = 0;           ///< the other one
-  bool is_new = false;      ///< they did not touch in the step before
+  bool is_new = false;      ///< they did not touch a step before
   vec3 position;            ///< the deepest point, in the world
   vec3 normal;              ///< from b towards a, of length 1
   float separation = 0.0f;  ///< metres between the surfaces, below 0 where they overlap
   float impulse = 0.0f;     ///< newton seconds that kept them apart
 };
 
-/// A body that entered or left a trigger shape in the last step.
+/// A body that entered or left a trigger shape.
 class ORV_API PhysXTriggerEvent {
  public:
   int trigger_shape = 0;  ///< the shape
@@ -81,8 +81,8 @@ class ORV_API PhysXWheel {
   float max_brake_torque = 1500.0f;   ///< newton metres
 };
 
-/// Told of each contact of a step while PhysX::fetch_results() runs, on its thread. It may read,
-/// but make and end nothing.
+/// Told of each contact of PhysX::get_contacts() while PhysX::fetch_results() runs, on its thread.
+/// It may read, but make and end nothing.
 /// @param scene      where it happened
 /// @param contact    good during the call
 /// @param user_data  as given to PhysX::set_contact_callback()

@@ -1,0 +1,642 @@
+#include <orv/geometry/vertex.h>
+#include <orv/math/mat4.h>
+#include <orv/math/quat.h>
+#include <orv/services/physx.h>
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "services/loaded_module.h"
+
+namespace orv::test {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr float kStep = 1.0f / 240.0f;
+const quat kUpright;
+
+class PhysXModule : public LoadedModule<PhysX> {
+ protected:
+  PhysXModule() : LoadedModule("physx") {}
+
+  void SetUp() override {
+    LoadedModule::SetUp();
+    ASSERT_NE(plugin_, nullptr);
+    scene_ = plugin_->create_scene(vec3(0, -10, 0));
+    ASSERT_GT(scene_, 0);
+    ASSERT_TRUE(plugin_->set_fixed_step(scene_, kStep, 10000));
+  }
+
+  int add_ball(const vec3& position, float radius = 0.5f, float mass = 2.0f, int material = 0) {
+    const int body = plugin_->create_dynamic_body(scene_, position, kUpright, mass);
+    EXPECT_GT(body, 0);
+    const int shape = plugin_->create_sphere_shape(radius, material);
+    EXPECT_TRUE(plugin_->attach_shape(body, shape));
+    EXPECT_TRUE(plugin_->destroy_shape(shape)) << "the body keeps it";
+    return body;
+  }
+  int add_ground(int material = 0) {
+    const int body = plugin_->create_static_body(scene_, vec3(0, 0, 0), kUpright);
+    EXPECT_TRUE(plugin_->attach_shape(body, plugin_->create_plane_shape(material)));
+    return body;
+  }
+  void go_on(float seconds) {
+    EXPECT_TRUE(plugin_->simulate(scene_, seconds));
+    EXPECT_TRUE(plugin_->fetch_results(scene_, true));
+  }
+  vec3 place(int body) {
+    vec3 position;
+    EXPECT_TRUE(plugin_->get_body_pose(body, &position, nullptr));
+    return position;
+  }
+  vec3 velocity(int body) {
+    vec3 value;
+    EXPECT_TRUE(plugin_->get_linear_velocity(body, &value));
+    return value;
+  }
+  PhysXHit cast(const vec3& origin, const vec3& direction, float distance = 100.0f) {
+    PhysXHit hit;
+    if (!plugin_->ray_cast(scene_, origin, direction, distance, PhysX::ALL_GROUPS, &hit)) return {};
+    return hit;
+  }
+
+  int scene_ = 0;
+};
+
+// ---- falling and touching ----
+
+TEST_F(PhysXModule, BodiesFallAsGravityTells) {
+  const int ball = add_ball(vec3(1, 100, 2));
+  go_on(1.0f);
+  EXPECT_NEAR(velocity(ball).y, -10.0f, 1e-3f);
+  // Velocity first, then place: n steps of h fall g h^2 n (n + 1) / 2.
+  EXPECT_NEAR(place(ball).y, 100.0f - 10.0f * kStep * kStep * 240 * 241 / 2, 2e-3f);
+  EXPECT_EQ(place(ball).x, 1.0f);
+  EXPECT_EQ(place(ball).z, 2.0f);
+}
+
+TEST_F(PhysXModule, GravityCanBeChangedAndSwitchedOff) {
+  const int heavy = add_ball(vec3(0, 10, 0)), light = add_ball(vec3(5, 10, 0));
+  EXPECT_TRUE(plugin_->set_gravity(scene_, vec3(3, 0, 0)));
+  vec3 gravity;
+  EXPECT_TRUE(plugin_->get_gravity(scene_, &gravity));
+  EXPECT_EQ(gravity, vec3(3, 0, 0));
+  EXPECT_TRUE(plugin_->set_body_gravity(light, false));
+  go_on(1.0f);
+  EXPECT_NEAR(velocity(heavy).x, 3.0f, 1e-3f);
+  EXPECT_EQ(place(light), vec3(5, 10, 0));
+}
+
+TEST_F(PhysXModule, LeftOverTimeIsKept) {
+  const int ball = add_ball(vec3(0, 10, 0));
+  go_on(kStep * 0.5f);
+  EXPECT_EQ(place(ball).y, 10.0f);
+  go_on(kStep * 0.5f);
+  EXPECT_LT(place(ball).y, 10.0f);
+  EXPECT_NEAR(velocity(ball).y, -10.0f * kStep, 1e-5f) << "one step";
+}
+
+TEST_F(PhysXModule, StepsOfOneCallAreBounded) {
+  const int ball = add_ball(vec3(0, 10, 0));
+  EXPECT_TRUE(plugin_->set_fixed_step(scene_, kStep, 3));
+  go_on(1.0f);
+  EXPECT_NEAR(velocity(ball).y, -30.0f * kStep, 1e-5f);
+}
+
+TEST_F(PhysXModule, StepRunsBetweenTwoCalls) {
+  EXPECT_FALSE(plugin_->fetch_results(scene_, true)) << "nothing was begun";
+  EXPECT_TRUE(plugin_->simulate(scene_, 0.1f));
+  EXPECT_FALSE(plugin_->simulate(scene_, 0.1f));
+  EXPECT_FALSE(plugin_->destroy_scene(scene_));
+  EXPECT_TRUE(plugin_->fetch_results(scene_, true));
+  EXPECT_FALSE(plugin_->simulate(scene_, 0.0f));
+  EXPECT_FALSE(plugin_->simulate(scene_, std::numeric_limits<float>::quiet_NaN()));
+}
+
+TEST_F(PhysXModule, BallComesToRestOnTheGround) {
+  const int ground = add_ground();
+  const int ball = add_ball(vec3(0, 2, 0));
+  go_on(3.0f);
+  EXPECT_NEAR(place(ball).y, 0.5f, 0.01f);
+  EXPECT_NEAR(velocity(ball).y, 0.0f, 0.1f);
+  PhysXContact contact;
+  ASSERT_EQ(plugin_->get_contacts(scene_, nullptr, 0), 1u);
+  ASSERT_EQ(plugin_->get_contacts(scene_, &contact, 1), 1u);
+  EXPECT_EQ(contact.body_a, ground);
+  EXPECT_EQ(contact.body_b, ball);
+  EXPECT_FALSE(contact.is_new);
+  EXPECT_EQ(contact.normal, vec3(0, -1, 0)) << "from the ball to the ground";
+  EXPECT_NEAR(contact.position.y, 0.0f, 0.01f);
+  EXPECT_NEAR(contact.impulse, 2.0f * 10.0f * kStep, 1e-3f) << "mass times gravity";
+}
+
+TEST_F(PhysXModule, BallBouncesByItsMaterial) {
+  const int rubber = plugin_->create_material(0.5f, 0.5f, 0.5f);
+  add_ground();
+  const int ball = add_ball(vec3(0, 5.5f, 0), 0.5f, 1.0f, rubber);
+  go_on(1.0f);  // it has fallen 5 metres and arrives with 10 metres a second
+  go_on(0.02f);
+  EXPECT_NEAR(velocity(ball).y, 5.0f, 0.3f) << "half of it";
+  EXPECT_TRUE(plugin_->set_material(rubber, 0.5f, 0.5f, 0.0f));
+  go_on(3.0f);
+  EXPECT_NEAR(place(ball).y, 0.5f, 0.01f);
+  EXPECT_FALSE(plugin_->set_material(rubber, 0.5f, 0.5f, 1.5f));
+}
+
+TEST_F(PhysXModule, MaterialsAndShapesLastAsLongAsTheirUsers) {
+  add_ground();
+  const int rubber = plugin_->create_material(0.5f, 0.5f, 1.0f);
+  const int ball = add_ball(vec3(0, 1.75f, 0), 0.5f, 1.0f, rubber);
+  EXPECT_TRUE(plugin_->destroy_material(rubber));
+  EXPECT_FALSE(plugin_->destroy_material(rubber));
+  EXPECT_FALSE(plugin_->set_material(rubber, 0, 0, 0));
+  EXPECT_EQ(plugin_->create_sphere_shape(1.0f, rubber), 0);
+  go_on(0.6f);  // it arrives after half a second
+  EXPECT_GT(velocity(ball).y, 3.0f) << "still of rubber";
+  EXPECT_TRUE(plugin_->destroy_body(ball));
+}
+
+TEST_F(PhysXModule, FrictionStopsWhatSlides) {
+  const int smooth = plugin_->create_material(0.0f, 0.0f, 0.0f);
+  const int rough = plugin_->create_material(0.8f, 0.8f, 0.0f);
+  add_ground(smooth);
+  const int sliding = add_ball(vec3(0, 0.5f, 0), 0.5f, 1.0f, smooth);
+  const int braking = add_ball(vec3(0, 0.5f, 5), 0.5f, 1.0f, rough);
+  EXPECT_TRUE(plugin_->set_linear_velocity(sliding, vec3(3, 0, 0)));
+  EXPECT_TRUE(plugin_->set_linear_velocity(braking, vec3(3, 0, 0)));
+  go_on(2.0f);
+  EXPECT_NEAR(velocity(sliding).x, 3.0f, 1e-3f);
+  EXPECT_NEAR(velocity(braking).x, 0.0f, 0.05f);
+  EXPECT_GT(place(braking).x, 0.5f);
+}
+
+TEST_F(PhysXModule, EqualBallsExchangeTheirVelocities) {
+  const int elastic = plugin_->create_material(0.0f, 0.0f, 1.0f);
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int left = add_ball(vec3(-2, 0, 0), 0.5f, 1.0f, elastic);
+  const int right = add_ball(vec3(2, 0, 0), 0.5f, 1.0f, elastic);
+  plugin_->set_linear_velocity(left, vec3(4, 0, 0));
+  go_on(1.5f);
+  EXPECT_NEAR(velocity(left).x, 0.0f, 1e-4f);
+  EXPECT_NEAR(velocity(right).x, 4.0f, 1e-4f);
+}
+
+TEST_F(PhysXModule, GroupsMayPassOneAnother) {
+  add_ground();
+  const int ball = plugin_->create_dynamic_body(scene_, vec3(0, 2, 0), kUpright, 1.0f);
+  const int shape = plugin_->create_sphere_shape(0.5f, 0);
+  EXPECT_TRUE(plugin_->set_shape_group(shape, 7));
+  EXPECT_FALSE(plugin_->set_shape_group(shape, 32));
+  EXPECT_TRUE(plugin_->attach_shape(ball, shape));
+  EXPECT_TRUE(plugin_->set_group_collision(scene_, 0, 7, false));
+  EXPECT_FALSE(plugin_->set_group_collision(scene_, 32, 7, false));
+  go_on(1.0f);
+  EXPECT_LT(place(ball).y, -2.0f);
+  PhysXHit hit;
+  EXPECT_FALSE(
+      plugin_->ray_cast(scene_, place(ball) + vec3(0, 0, 9), vec3(0, 0, -1), 5, ~(1u << 0), &hit));
+  EXPECT_TRUE(
+      plugin_->ray_cast(scene_, place(ball) + vec3(0, 0, 9), vec3(0, 0, -1), 50, 1u << 7, &hit));
+  EXPECT_EQ(hit.body, ball);
+}
+
+TEST_F(PhysXModule, TriggersTellWhoComesAndGoes) {
+  const int gate = plugin_->create_static_body(scene_, vec3(0, 5, 0), kUpright);
+  const int shape = plugin_->create_sphere_shape(1.0f, 0);
+  plugin_->set_shape_trigger(shape, true);
+  plugin_->attach_shape(gate, shape);
+  const int ball = add_ball(vec3(0, 8, 0));
+  std::vector<PhysXTriggerEvent> events;
+  for (int i = 0; i < 30; ++i) {
+    go_on(0.05f);
+    PhysXTriggerEvent event;
+    if (plugin_->get_trigger_events(scene_, &event, 1)) events.push_back(event);
+  }
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_TRUE(events[0].entered);
+  EXPECT_FALSE(events[1].entered);
+  for (const PhysXTriggerEvent& event : events) {
+    EXPECT_EQ(event.trigger_shape, shape);
+    EXPECT_EQ(event.trigger_body, gate);
+    EXPECT_EQ(event.other_body, ball);
+  }
+  EXPECT_NEAR(velocity(ball).x, 0.0f, 1e-6f) << "nothing pushed it";
+  EXPECT_NEAR(velocity(ball).y, -15.0f, 0.1f);
+}
+
+TEST_F(PhysXModule, CallbackIsToldOfContacts) {
+  struct Told {
+    int scene = 0, count = 0, last_body = 0;
+  } told;
+  const auto note = [](int scene, const PhysXContact* contact, void* user_data) {
+    auto* notes = static_cast<Told*>(user_data);
+    notes->scene = scene;
+    notes->last_body = contact->body_b;
+    ++notes->count;
+  };
+  add_ground();
+  const int ball = add_ball(vec3(0, 0.45f, 0));
+  EXPECT_TRUE(plugin_->set_contact_callback(scene_, note, &told));
+  go_on(kStep);
+  EXPECT_EQ(told.count, 1);
+  EXPECT_EQ(told.scene, scene_);
+  EXPECT_EQ(told.last_body, ball);
+  EXPECT_TRUE(plugin_->set_contact_callback(scene_, nullptr, nullptr));
+  go_on(kStep);
+  EXPECT_EQ(told.count, 1);
+}
+
+// ---- bodies ----
+
+TEST_F(PhysXModule, ForcesPushByMass) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int ball = add_ball(vec3(0, 0, 0), 0.5f, 4.0f);
+  EXPECT_TRUE(plugin_->add_force(ball, vec3(8, 0, 0), PHYSX_IMPULSE));
+  EXPECT_EQ(velocity(ball), vec3(2, 0, 0));
+  EXPECT_TRUE(plugin_->add_force(ball, vec3(0, 1, 0), PHYSX_VELOCITY_CHANGE));
+  EXPECT_EQ(velocity(ball), vec3(2, 1, 0));
+  EXPECT_TRUE(plugin_->add_force(ball, vec3(0, 0, 960), PHYSX_FORCE));
+  EXPECT_TRUE(plugin_->add_force(ball, vec3(0, 0, 240), PHYSX_ACCELERATION));
+  go_on(kStep);
+  EXPECT_NEAR(velocity(ball).z, 2.0f, 1e-4f) << "1 of each, in one step of 1 / 240";
+  go_on(kStep);
+  EXPECT_NEAR(velocity(ball).z, 2.0f, 1e-4f) << "a force lasts one step";
+  EXPECT_FALSE(plugin_->add_force(ball, vec3(1, 0, 0), static_cast<PHYSX_FORCE_MODE>(9)));
+}
+
+TEST_F(PhysXModule, PushBesideTheCentreTurns) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int ball = add_ball(vec3(0, 0, 0), 0.5f, 4.0f);  // inertia 0.4
+  EXPECT_TRUE(plugin_->add_force_at(ball, vec3(0, 2, 0), vec3(0.5f, 0, 0), PHYSX_IMPULSE));
+  EXPECT_EQ(velocity(ball), vec3(0, 0.5f, 0));
+  vec3 turning;
+  EXPECT_TRUE(plugin_->get_angular_velocity(ball, &turning));
+  EXPECT_NEAR(turning.z, 2.5f * 57.29578f, 1e-2f) << "a torque of 1 about z";
+  EXPECT_EQ(turning.x, 0.0f);
+}
+
+TEST_F(PhysXModule, TurningIsToldInDegrees) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int ball = add_ball(vec3(1, 2, 3));
+  EXPECT_TRUE(plugin_->set_angular_velocity(ball, vec3(0, 90, 0)));
+  go_on(1.0f);
+  mat4 matrix;
+  ASSERT_TRUE(plugin_->get_body_matrix(ball, &matrix));
+  EXPECT_NEAR(matrix.m[0], 0.0f, 1e-3f);
+  EXPECT_NEAR(matrix.m[2], -1.0f, 1e-3f) << "x became -z";
+  EXPECT_NEAR(matrix.m[5], 1.0f, 1e-3f);
+  EXPECT_EQ(matrix.m[12], 1.0f);
+  EXPECT_EQ(matrix.m[13], 2.0f);
+  EXPECT_EQ(matrix.m[14], 3.0f);
+  EXPECT_EQ(matrix.m[15], 1.0f);
+}
+
+TEST_F(PhysXModule, DampingAndLocksSlowDown) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int ball = add_ball(vec3(0, 0, 0));
+  EXPECT_TRUE(plugin_->set_damping(ball, 1.0f, 0.0f));
+  EXPECT_TRUE(plugin_->set_axis_lock(ball, PHYSX_LOCK_MOVE_Y | PHYSX_LOCK_TURN_X));
+  plugin_->set_linear_velocity(ball, vec3(2, 2, 0));
+  plugin_->set_angular_velocity(ball, vec3(50, 60, 0));
+  go_on(1.0f);
+  EXPECT_NEAR(velocity(ball).x, 2.0f * std::exp(-1.0f), 0.01f);
+  EXPECT_EQ(place(ball).y, 0.0f);
+  vec3 turning;
+  plugin_->get_angular_velocity(ball, &turning);
+  EXPECT_EQ(turning.x, 0.0f);
+  EXPECT_NEAR(turning.y, 60.0f, 1e-3f);
+}
+
+TEST_F(PhysXModule, KinematicBodyPushesOthers) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int piston = plugin_->create_kinematic_body(scene_, vec3(0, 0, 0), kUpright);
+  plugin_->attach_shape(piston, plugin_->create_sphere_shape(0.5f, 0));
+  const int ball = add_ball(vec3(1.2f, 0, 0));
+  for (int i = 1; i <= 60; ++i) {
+    EXPECT_TRUE(
+        plugin_->set_kinematic_target(piston, vec3(static_cast<float>(i) / 60.0f, 0, 0), kUpright));
+    go_on(kStep);
+  }
+  EXPECT_EQ(place(piston), vec3(1, 0, 0));
+  EXPECT_NEAR(velocity(ball).x, 4.0f, 0.1f) << "as fast as the piston";
+  EXPECT_GE(place(ball).x, 2.0f - 1e-3f);
+  EXPECT_FALSE(plugin_->set_kinematic_target(ball, vec3(0, 0, 0), kUpright));
+  EXPECT_FALSE(plugin_->set_linear_velocity(piston, vec3(0, 0, 0)));
+}
+
+TEST_F(PhysXModule, ShapesStandBesideTheirBody) {
+  const int body = plugin_->create_static_body(scene_, vec3(0, 5, 0), kUpright);
+  const int shape = plugin_->create_sphere_shape(1.0f, 0);
+  EXPECT_TRUE(plugin_->set_shape_pose(shape, vec3(3, 0, 0), kUpright));
+  EXPECT_TRUE(plugin_->attach_shape(body, shape));
+  EXPECT_FALSE(plugin_->attach_shape(body, shape)) << "it has it";
+  EXPECT_FALSE(plugin_->set_shape_pose(shape, vec3(0, 0, 0), kUpright)) << "in use";
+  EXPECT_EQ(cast(vec3(3, 5, 10), vec3(0, 0, -1)).distance, 9.0f);
+  EXPECT_EQ(cast(vec3(0, 5, 10), vec3(0, 0, -1)).body, 0);
+  EXPECT_TRUE(plugin_->detach_shape(body, shape));
+  EXPECT_FALSE(plugin_->detach_shape(body, shape));
+  EXPECT_EQ(cast(vec3(3, 5, 10), vec3(0, 0, -1)).body, 0);
+}
+
+TEST_F(PhysXModule, BodiesAreCountedAndCarryAPointer) {
+  const int ground = add_ground(), ball = add_ball(vec3(0, 3, 0));
+  EXPECT_EQ(plugin_->get_num_bodies(scene_), 2u);
+  EXPECT_EQ(plugin_->get_body(scene_, 0), ground);
+  EXPECT_EQ(plugin_->get_body(scene_, 1), ball);
+  EXPECT_EQ(plugin_->get_body(scene_, 2), 0);
+  int mark = 0;
+  EXPECT_EQ(plugin_->get_body_user_data(ball), nullptr);
+  EXPECT_TRUE(plugin_->set_body_user_data(ball, &mark));
+  EXPECT_EQ(plugin_->get_body_user_data(ball), &mark);
+  float mass = 0;
+  EXPECT_TRUE(plugin_->get_mass(ball, &mass));
+  EXPECT_EQ(mass, 2.0f);
+  EXPECT_TRUE(plugin_->set_mass(ball, 3.0f));
+  EXPECT_FALSE(plugin_->set_mass(ball, 0.0f));
+  EXPECT_FALSE(plugin_->get_mass(ground, &mass));
+  EXPECT_TRUE(plugin_->destroy_body(ground));
+  EXPECT_EQ(plugin_->get_body(scene_, 0), ball);
+}
+
+TEST_F(PhysXModule, BodyIsPutElsewhere) {
+  const int ball = add_ball(vec3(0, 3, 0));
+  EXPECT_TRUE(plugin_->set_body_pose(ball, vec3(7, 8, 9), quat(0, 0, 0, 2)));
+  quat rotation;
+  EXPECT_TRUE(plugin_->get_body_pose(ball, nullptr, &rotation));
+  EXPECT_EQ(place(ball), vec3(7, 8, 9));
+  EXPECT_EQ(rotation, kUpright) << "brought to length 1";
+  EXPECT_FALSE(plugin_->set_body_pose(ball, vec3(0, NAN, 0), kUpright));
+  EXPECT_FALSE(plugin_->set_body_pose(ball, vec3(0, 0, 0), quat(0, 0, 0, 0)));
+  EXPECT_EQ(place(ball), vec3(7, 8, 9));
+}
+
+// ---- joints ----
+
+TEST_F(PhysXModule, RopeHoldsAPendulum) {
+  const int ball = add_ball(vec3(2, 0, 0));
+  const int rope =
+      plugin_->create_distance_joint(ball, 0, vec3(2, 0, 0), vec3(0, 0, 0), 0.0f, 2.0f);
+  ASSERT_GT(rope, 0);
+  float lowest = 0.0f;
+  for (int i = 0; i < 120; ++i) {
+    go_on(1.0f / 60.0f);
+    EXPECT_LE(place(ball).length(), 2.01f);
+    lowest = std::min(lowest, place(ball).y);
+  }
+  EXPECT_NEAR(lowest, -2.0f, 0.02f);
+  EXPECT_FALSE(plugin_->is_joint_broken(rope));
+  EXPECT_TRUE(plugin_->destroy_joint(rope));
+  go_on(2.0f);
+  EXPECT_GT(place(ball).length(), 5.0f) << "nothing holds it";
+}
+
+TEST_F(PhysXModule, JointsNeedBodiesThatMove) {
+  const int ground = add_ground(), ball = add_ball(vec3(0, 3, 0));
+  const vec3 zero;
+  EXPECT_EQ(plugin_->create_distance_joint(0, 0, zero, zero, 0, 1), 0);
+  EXPECT_EQ(plugin_->create_distance_joint(ground, 0, zero, zero, 0, 1), 0);
+  EXPECT_EQ(plugin_->create_distance_joint(ball, ball, zero, zero, 0, 1), 0);
+  EXPECT_EQ(plugin_->create_distance_joint(ball, 999, zero, zero, 0, 1), 0);
+  EXPECT_EQ(plugin_->create_distance_joint(ball, ground, zero, zero, 2, 1), 0);
+  const int rope = plugin_->create_distance_joint(ball, ground, zero, zero, 0, 1);
+  EXPECT_GT(rope, 0);
+  EXPECT_TRUE(plugin_->set_joint_limits(rope, 1, 2));
+  EXPECT_FALSE(plugin_->set_joint_limits(rope, 3, 2));
+  EXPECT_TRUE(plugin_->destroy_body(ball));
+  EXPECT_FALSE(plugin_->destroy_joint(rope)) << "it ended with the ball";
+}
+
+// ---- queries ----
+
+TEST_F(PhysXModule, RaysMeetTheNearest) {
+  const int ground = add_ground();
+  const int near_ball = add_ball(vec3(0, 2, 0)), far_ball = add_ball(vec3(0, 2, -5), 1.0f);
+  const PhysXHit hit = cast(vec3(0, 2, 10), vec3(0, 0, -3));
+  EXPECT_EQ(hit.body, near_ball);
+  EXPECT_NEAR(hit.distance, 9.5f, 1e-5f);
+  EXPECT_TRUE(hit.position.is_equal(vec3(0, 2, 0.5f), 1e-5f));
+  EXPECT_TRUE(hit.normal.is_equal(vec3(0, 0, 1), 1e-5f));
+  const PhysXHit down = cast(vec3(7, 4, 0), vec3(0, -1, 0));
+  EXPECT_EQ(down.body, ground);
+  EXPECT_NEAR(down.distance, 4.0f, 1e-5f);
+  EXPECT_EQ(down.normal, vec3(0, 1, 0));
+  EXPECT_EQ(cast(vec3(7, 4, 0), vec3(0, 1, 0)).body, 0);
+  EXPECT_EQ(cast(vec3(0, 2, 10), vec3(0, 0, -1), 9.0f).body, 0) << "too short";
+  EXPECT_EQ(cast(vec3(0, 2, 0), vec3(1, 0, 0)).distance, 0.0f) << "from inside";
+  PhysXHit all[8];
+  ASSERT_EQ(
+      plugin_->ray_cast_all(scene_, vec3(0, 2, 10), vec3(0, 0, -1), 100, PhysX::ALL_GROUPS, all, 8),
+      2u);
+  EXPECT_EQ(all[0].body, near_ball);
+  EXPECT_EQ(all[1].body, far_ball);
+  EXPECT_NEAR(all[1].distance, 14.0f, 1e-5f);
+  EXPECT_EQ(
+      plugin_->ray_cast_all(scene_, vec3(0, 2, 10), vec3(0, 0, -1), 100, PhysX::ALL_GROUPS, all, 1),
+      1u);
+}
+
+TEST_F(PhysXModule, QueriesRefuseWhatIsNoDirection) {
+  add_ground();
+  EXPECT_FALSE(plugin_->ray_cast(scene_, vec3(0, 2, 0), vec3(0, 0, 0), 10, ~0u, nullptr));
+  EXPECT_FALSE(plugin_->ray_cast(scene_, vec3(0, 2, 0), vec3(0, NAN, 0), 10, ~0u, nullptr));
+  EXPECT_FALSE(plugin_->ray_cast(scene_, vec3(0, 2, 0), vec3(0, -1, 0), 0, ~0u, nullptr));
+  EXPECT_FALSE(plugin_->ray_cast(999, vec3(0, 2, 0), vec3(0, -1, 0), 10, ~0u, nullptr));
+  EXPECT_TRUE(plugin_->ray_cast(scene_, vec3(0, 2, 0), vec3(0, -1, 0), 10, ~0u, nullptr));
+}
+
+TEST_F(PhysXModule, SweepStopsAtTheSurface) {
+  const int ground = add_ground(), ball = add_ball(vec3(5, 2, 0));
+  const int probe = plugin_->create_sphere_shape(0.25f, 0);
+  PhysXHit hit;
+  EXPECT_TRUE(
+      plugin_->sweep(scene_, probe, vec3(0, 3, 0), kUpright, vec3(0, -1, 0), 10, ~0u, &hit));
+  EXPECT_EQ(hit.body, ground);
+  EXPECT_NEAR(hit.distance, 2.75f, 1e-5f);
+  EXPECT_TRUE(hit.position.is_equal(vec3(0, 0, 0), 1e-5f));
+  EXPECT_TRUE(plugin_->sweep(scene_, probe, vec3(0, 2, 0), kUpright, vec3(1, 0, 0), 10, ~0u, &hit));
+  EXPECT_EQ(hit.body, ball);
+  EXPECT_NEAR(hit.distance, 4.25f, 1e-5f);
+  EXPECT_NEAR(hit.position.x, 4.5f, 1e-5f);
+  const int plane = plugin_->create_plane_shape(0);
+  EXPECT_FALSE(
+      plugin_->sweep(scene_, plane, vec3(0, 3, 0), kUpright, vec3(0, -1, 0), 10, ~0u, &hit));
+}
+
+TEST_F(PhysXModule, OverlapFindsEachBodyOnce) {
+  const int ground = add_ground();
+  const int first = add_ball(vec3(0, 0.9f, 0)), second = add_ball(vec3(1, 0.9f, 0));
+  add_ball(vec3(9, 0.9f, 0));
+  const int probe = plugin_->create_sphere_shape(1.0f, 0);
+  std::vector<int> bodies(8, -1);
+  ASSERT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), kUpright, PhysX::ALL_GROUPS,
+                             bodies.data(), 8),
+            3u);
+  bodies.resize(3);
+  EXPECT_THAT(bodies, ElementsAre(ground, first, second));
+  EXPECT_EQ(plugin_->overlap(scene_, probe, vec3(0, 50, 0), kUpright, PhysX::ALL_GROUPS,
+                             bodies.data(), 3),
+            0u);
+  EXPECT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), kUpright, PhysX::ALL_GROUPS,
+                             bodies.data(), 2),
+            2u);
+}
+
+// ---- cloth ----
+
+/// A square of cloth in the plane y = height, four by four metres, with 5 x 5 vertices.
+struct Sheet {
+  std::vector<Vertex_PhysXCloth> vertices;
+  std::vector<unsigned int> indices;
+
+  explicit Sheet(float height) {
+    for (int i = 0; i < 25; ++i) {
+      Vertex_PhysXCloth vertex;
+      vertex.position = vec4(static_cast<float>(i % 5), height, static_cast<float>(i / 5), 1.0f);
+      vertex.uv0 = vec2(0.25f, 0.75f);
+      vertices.push_back(vertex);
+    }
+    for (unsigned int i = 0; i < 20; ++i) {
+      if (i % 5 == 4) continue;
+      const unsigned int corners[] = {i, i + 5, i + 1, i + 1, i + 5, i + 6};
+      indices.insert(indices.end(), corners, corners + 6);
+    }
+  }
+  int create(PhysX& plugin, int scene) const {
+    return plugin.create_cloth(scene, vertices.data(), 25, indices.data(),
+                               static_cast<unsigned int>(indices.size() / 3));
+  }
+};
+
+TEST_F(PhysXModule, ClothHangsFromItsPins) {
+  Sheet sheet(10.0f);
+  for (unsigned int i = 0; i < 5; ++i) sheet.vertices[i].position.w = 0.0f;
+  const int cloth = sheet.create(*plugin_, scene_);
+  ASSERT_GT(cloth, 0);
+  EXPECT_TRUE(plugin_->set_cloth_damping(cloth, 1.0f));
+  go_on(6.0f);
+  ASSERT_TRUE(plugin_->read_cloth(cloth, sheet.vertices.data(), 25));
+  for (unsigned int i = 0; i < 5; ++i) {
+    const Vertex_PhysXCloth& pinned = sheet.vertices[i];
+    const Vertex_PhysXCloth& lowest = sheet.vertices[20 + i];
+    EXPECT_EQ(pinned.position, vec4(static_cast<float>(i), 10, 0, 1));
+    EXPECT_LT(lowest.position.y, 6.5f) << "it hangs down";
+    EXPECT_GT(lowest.position.y, 5.0f) << "and is hardly longer than it was";
+    EXPECT_EQ(lowest.uv0, vec2(0.25f, 0.75f)) << "left as it was";
+    EXPECT_NEAR(lowest.normal.length(), 1.0f, 1e-4f);
+    EXPECT_NEAR(lowest.tangent.length(), 1.0f, 1e-4f);
+  }
+}
+
+TEST_F(PhysXModule, ClothLiesOnABall) {
+  const Sheet sheet(2.0f);
+  const int cloth = sheet.create(*plugin_, scene_);
+  const int body = plugin_->create_static_body(scene_, vec3(2, 0, 2), kUpright);
+  plugin_->attach_shape(body, plugin_->create_sphere_shape(1.5f, 0));
+  EXPECT_TRUE(plugin_->set_cloth_collision(cloth, body, true));
+  go_on(0.5f);
+  std::vector<Vertex_PhysXCloth> vertices(25);
+  ASSERT_TRUE(plugin_->read_cloth(cloth, vertices.data(), 25));
+  for (const Vertex_PhysXCloth& vertex : vertices) {
+    const vec3 from_center(vertex.position.x - 2, vertex.position.y, vertex.position.z - 2);
+    EXPECT_GE(from_center.length(), 1.5f - 1e-3f);
+  }
+  EXPECT_NEAR(vertices[12].position.y, 1.5f, 0.05f) << "its middle on top";
+  EXPECT_LT(vertices[0].position.y, 1.4f) << "its corners beside";
+}
+
+TEST_F(PhysXModule, ClothVerticesArePinnedAndLetGo) {
+  const Sheet sheet(5.0f);
+  const int cloth = sheet.create(*plugin_, scene_);
+  const vec3 hook(0, 6, 0);
+  EXPECT_TRUE(plugin_->pin_cloth_vertex(cloth, 0, &hook));
+  EXPECT_FALSE(plugin_->pin_cloth_vertex(cloth, 25, &hook));
+  go_on(0.5f);
+  std::vector<Vertex_PhysXCloth> vertices(25);
+  plugin_->read_cloth(cloth, vertices.data(), 25);
+  EXPECT_EQ(vertices[0].position, vec4(0, 6, 0, 1));
+  EXPECT_TRUE(plugin_->pin_cloth_vertex(cloth, 0, nullptr));
+  go_on(0.5f);
+  plugin_->read_cloth(cloth, vertices.data(), 25);
+  EXPECT_LT(vertices[0].position.y, 5.9f);
+}
+
+TEST_F(PhysXModule, WindBlowsCloth) {
+  const Sheet sheet(5.0f);
+  const int cloth = sheet.create(*plugin_, scene_);
+  EXPECT_TRUE(plugin_->set_cloth_wind(cloth, vec3(0, 0, 4)));
+  EXPECT_TRUE(plugin_->set_cloth_stiffness(cloth, 1.0f, 0.0f));
+  EXPECT_FALSE(plugin_->set_cloth_stiffness(cloth, 1.5f, 0.0f));
+  go_on(1.0f);
+  std::vector<Vertex_PhysXCloth> vertices(25);
+  plugin_->read_cloth(cloth, vertices.data(), 25);
+  EXPECT_GT(vertices[12].position.z, 2.5f);
+}
+
+TEST_F(PhysXModule, ClothRefusesWrongArrays) {
+  Sheet sheet(5.0f);
+  EXPECT_EQ(plugin_->create_cloth(scene_, nullptr, 25, sheet.indices.data(), 2), 0);
+  EXPECT_EQ(plugin_->create_cloth(scene_, sheet.vertices.data(), 25, nullptr, 2), 0);
+  EXPECT_EQ(plugin_->create_cloth(999, sheet.vertices.data(), 25, sheet.indices.data(), 2), 0);
+  const int cloth = sheet.create(*plugin_, scene_);
+  EXPECT_FALSE(plugin_->read_cloth(cloth, sheet.vertices.data(), 24));
+  EXPECT_FALSE(plugin_->read_cloth(cloth, nullptr, 25));
+  sheet.indices[4] = 25;
+  EXPECT_EQ(sheet.create(*plugin_, scene_), 0) << "an index past the end";
+  EXPECT_TRUE(plugin_->destroy_cloth(cloth));
+  EXPECT_FALSE(plugin_->destroy_cloth(cloth));
+}
+
+// ---- what it cannot do, and the end ----
+
+TEST_F(PhysXModule, WhatItCannotDoIsRefused) {
+  const int ball = add_ball(vec3(0, 0, 0)), other = add_ball(vec3(5, 0, 0));
+  EXPECT_EQ(plugin_->create_box_shape(vec3(1, 1, 1), 0), 0);
+  EXPECT_EQ(plugin_->create_capsule_shape(1, 1, 0), 0);
+  EXPECT_EQ(plugin_->create_hinge_joint(ball, other, vec3(0, 0, 0), vec3(0, 1, 0)), 0);
+  const PhysXWheel wheels[4];
+  EXPECT_EQ(plugin_->create_vehicle(ball, wheels, 4), 0);
+  EXPECT_FALSE(plugin_->drive_vehicle(1, 1, 0, 0));
+  EXPECT_EQ(plugin_->create_character(scene_, vec3(0, 0, 0), 0.5f, 1.8f), 0);
+  EXPECT_FALSE(plugin_->set_continuous_collision(ball, true));
+  EXPECT_FALSE(plugin_->is_body_sleeping(ball));
+  EXPECT_EQ(plugin_->get_num_bodies(scene_), 2u);
+}
+
+TEST_F(PhysXModule, UnknownNumbersDoNothing) {
+  const int ball = add_ball(vec3(0, 0, 0));
+  vec3 result(1, 2, 3);
+  for (const int unknown : {0, -1, scene_, 999}) {
+    EXPECT_FALSE(plugin_->get_linear_velocity(unknown, &result));
+    EXPECT_FALSE(plugin_->add_force(unknown, vec3(1, 0, 0), PHYSX_FORCE));
+    EXPECT_FALSE(plugin_->destroy_body(unknown));
+    EXPECT_FALSE(plugin_->destroy_shape(unknown));
+  }
+  EXPECT_EQ(result, vec3(1, 2, 3));
+  EXPECT_FALSE(plugin_->simulate(ball, 1.0f)) << "a body is no scene";
+  EXPECT_FALSE(plugin_->get_body_matrix(ball, nullptr));
+  EXPECT_EQ(plugin_->create_dynamic_body(scene_, vec3(0, 0, 0), kUpright, 0.0f), 0);
+  EXPECT_EQ(plugin_->create_sphere_shape(-1.0f, 0), 0);
+  EXPECT_EQ(plugin_->create_sphere_shape(1.0f, 999), 0) << "no such material";
+  EXPECT_FALSE(plugin_->attach_shape(ball, plugin_->create_plane_shape(0))) << "it would fall";
+}
+
+TEST_F(PhysXModule, SceneEndsWithAllThatItOwns) {
+  const int other = plugin_->create_scene(vec3(0, 0, 0));
+  const int kept = plugin_->create_static_body(other, vec3(0, 0, 0), kUpright);
+  const int ball = add_ball(vec3(0, 0, 0));
+  const int cloth = Sheet(5.0f).create(*plugin_, scene_);
+  const int material = plugin_->create_material(1, 1, 0);
+  EXPECT_TRUE(plugin_->destroy_scene(scene_));
+  EXPECT_FALSE(plugin_->destroy_scene(scene_));
+  EXPECT_FALSE(plugin_->wake_body(ball));
+  EXPECT_FALSE(plugin_->destroy_cloth(cloth));
+  EXPECT_TRUE(plugin_->destroy_material(material)) << "materials belong to the plugin";
+  EXPECT_TRUE(plugin_->get_body_pose(kept, nullptr, nullptr));
+}
+
+}  // namespace
+}  // namespace orv::test
