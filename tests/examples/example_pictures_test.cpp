@@ -49,6 +49,7 @@ constexpr Shown examples[] = {
     {"25_led_bar"},
     {"26_spline"},
     {"27_hud"},
+    {"30_remote_control"},
     {"31_webcam"},
 };
 
