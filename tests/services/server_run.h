@@ -34,8 +34,12 @@ inline long count_own(const char* what) {
                        std::filesystem::directory_iterator());
 }
 
-/// What a server has asked its CountingCore for so far.
+/// What a server has asked its CountingCore for so far. Made before the server, it waits at its end
+/// for threads that still use the core.
 struct CoreCalls {
+  ~CoreCalls() {
+    EXPECT_TRUE(wait_until([this] { return cores == 0; }));
+  }
   std::atomic<int> accepts{0};  ///< begun
   std::atomic<int> peeks{0};    ///< begun
   std::atomic<int> kills{0};    ///< done
