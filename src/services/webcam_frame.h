@@ -34,6 +34,9 @@ struct YuvScale {
   int b_u;
 };
 
+/// To the nearest whole number, of what is above 0.
+constexpr int round_scale(double scale) { return static_cast<int>(scale * 2.0 + 1.0) / 2; }
+
 /// Scales for the weights of red and blue in Y, in units of 1/10000, and for Y from 16 to 235 with
 /// U and V from 16 to 240 (limited range), or all of them from 0 to 255.
 constexpr YuvScale make_yuv_scale(int red, int blue, bool full_range) {
@@ -41,11 +44,11 @@ constexpr YuvScale make_yuv_scale(int red, int blue, bool full_range) {
   const double luma = 8192.0 * (full_range ? 1.0 : 255.0 / 219.0);
   const double chroma = 8192.0 * (full_range ? 1.0 : 255.0 / 224.0);
   return {full_range ? 0 : 16,
-          static_cast<int>(luma + 0.5),
-          static_cast<int>(chroma * 2.0 * (1.0 - kr) + 0.5),
-          static_cast<int>(chroma * 2.0 * (1.0 - kb) * kb / kg + 0.5),
-          static_cast<int>(chroma * 2.0 * (1.0 - kr) * kr / kg + 0.5),
-          static_cast<int>(chroma * 2.0 * (1.0 - kb) + 0.5)};
+          round_scale(luma),
+          round_scale(chroma * 2.0 * (1.0 - kr)),
+          round_scale(chroma * 2.0 * (1.0 - kb) * kb / kg),
+          round_scale(chroma * 2.0 * (1.0 - kr) * kr / kg),
+          round_scale(chroma * 2.0 * (1.0 - kb))};
 }
 
 inline constexpr YuvScale BT601_LIMITED = make_yuv_scale(2990, 1140, false);

@@ -67,7 +67,7 @@ struct FakeCamera {
 inline bool FakeCamera::deliver(const Bytes& frame, std::uint32_t flags) {
   if (!is_streaming || queued.empty()) return false;
   Buffer& buffer = buffers[queued.front()];
-  std::memcpy(buffer.bytes.get(), frame.data(), std::min<std::size_t>(frame.size(), buffer.size));
+  std::copy_n(frame.begin(), std::min<std::size_t>(frame.size(), buffer.size), buffer.bytes.get());
   buffer.used = static_cast<std::uint32_t>(frame.size());
   buffer.flags = flags;
   done.push_back(queued.front());

@@ -173,12 +173,13 @@ TEST_F(WebcamCaptureTest, StartMakesItsCallsInOrder) {
 TEST_F(WebcamCaptureTest, AnyStepThatFailsGivesEverythingBack) {
   capture.start(device);
   capture.stop();
-  const int num_steps = static_cast<int>(system.calls.size()) - 7;  // without those of stop
-  for (int step = 0; step < num_steps; ++step) {
+  const std::size_t num_steps = system.calls.size() - 7;  // without those of stop
+  ASSERT_EQ(num_steps, 19u);
+  for (std::size_t step = 0; step < num_steps; ++step) {
     for (const int code : {EIO, ENODEV, ENOMEM}) {
       FakeCameras failing;
       failing.cameras[0];
-      failing.fail_at = step;
+      failing.fail_at = static_cast<int>(step);
       failing.fail_code = code;
       WebcamCapture tried;
       tried.set_sys(failing.sys());
