@@ -85,8 +85,11 @@ class ServerRun {
     }));
     if (socket) port_ = socket->local.port;
   }
+  /// Stops and cleans up, unless the loop was waited for before.
   ~ServerRun() {
-    if (thread_.joinable()) stop();
+    if (!thread_.joinable()) return;
+    stop();
+    EXPECT_TRUE(server_.cleanup_client_threads());
   }
   ServerRun(const ServerRun&) = delete;
   ServerRun& operator=(const ServerRun&) = delete;

@@ -2,6 +2,7 @@
 // bounded, and the whole takes seconds.
 #include <orv/services/tcp_server.h>
 
+#include "services/server_callbacks.h"
 #include "services/server_run.h"
 #include "support/log_capture.h"
 #include "support/tcp_client.h"
@@ -25,6 +26,7 @@ namespace {
 using test::CoreCalls;
 using test::count_own;
 using test::CountingCore;
+using test::echo;
 using test::LogCapture;
 using test::ServerRun;
 using test::TcpClient;
@@ -38,14 +40,6 @@ void in_parallel(int count, Work work) {
   std::vector<std::thread> threads;
   for (int i = 0; i < count; ++i) threads.emplace_back(work, i);
   for (std::thread& thread : threads) thread.join();
-}
-
-void echo(SocketCore* core, Socket* client, void*, void*) {
-  unsigned char data[256];
-  int size = 0;
-  while ((size = core->receive_socket(client, data, 256)) > 0) {
-    if (core->send_socket(client, data, size) != size) return;
-  }
 }
 
 /// A conversation that has been taken up and goes on.
