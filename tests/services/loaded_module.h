@@ -36,6 +36,7 @@ class LoadedModule : public testing::Test {
     plugin_ = dynamic_cast<Interface*>(manager->get_plugin(id_));
     ASSERT_NE(plugin_, nullptr);
     EXPECT_EQ(plugin_->get_ref(), 1);
+    EXPECT_EQ(plugin_->get_type(), PLUGIN_TYPE_UNKNOWN) << "an interface names no type";
     EXPECT_STREQ(plugin_->get_author(), "The tests");
     EXPECT_EQ(plugin_->get_version_major(), 1);
     ASSERT_TRUE(plugin_->initialize());
