@@ -79,7 +79,7 @@ class ORV_API FreeTypeGLPluginInterface : public Plugin {
   /// Frees face, atlas and queue of a font and sets its pointer to null. Without a renderer the
   /// copies on the GPU stay.
   virtual bool free_face(Renderer* renderer, Font* font) = 0;
-  /// Another height, above 0, for all texts that come; the atlas is emptied.
+  /// Another height, above 0, for all texts that come; atlas and queue are emptied.
   virtual bool set_pixel_height(Font* font, float pixel_height) = 0;
   /// The height, 0 without a face.
   virtual float get_pixel_height(Font* font) = 0;
@@ -112,7 +112,8 @@ class ORV_API FreeTypeGLPluginInterface : public Plugin {
 
   // ---- atlas ----
 
-  /// Makes an empty atlas in place of the one before. Loading a face makes one of 512 x 512.
+  /// Makes an empty atlas in place of the one before, and empties the queue. Loading a face makes
+  /// one of 512 x 512.
   /// @param width     pixels, 16 to 8192
   /// @param height    pixels, 16 to 8192
   /// @param channels  bytes of a pixel: 1 coverage, 3 coverage of subpixels, 4 colour
