@@ -8,13 +8,17 @@
 namespace orv {
 
 /// Kind of a socket; any other value counts as a stream.
-enum SOCKET_TYPE : int { SOCKET_TYPE_STREAM = 1, SOCKET_TYPE_RAW = 2, SOCKET_TYPE_DATAGRAM = 3 };
+enum SOCKET_TYPE : int {
+  SOCKET_TYPE_STREAM = 1,   ///< bytes over a connection
+  SOCKET_TYPE_RAW = 2,      ///< whole packets; for privileged programs
+  SOCKET_TYPE_DATAGRAM = 3  ///< messages without a connection
+};
 
 /// Protocol of a socket; any other value counts as TCP.
 enum SOCKET_PROTOCOL : int {
-  SOCKET_PROTOCOL_TCP = 1,
-  SOCKET_PROTOCOL_RAW = 2,
-  SOCKET_PROTOCOL_UDP = 3
+  SOCKET_PROTOCOL_TCP = 1,  ///< for streams
+  SOCKET_PROTOCOL_RAW = 2,  ///< headers are the program's own
+  SOCKET_PROTOCOL_UDP = 3   ///< for datagrams
 };
 
 /// What SocketCore::set_socket_option() switches on; nothing switches it off again.
@@ -37,10 +41,10 @@ class SockAddr {
 class Socket {
  public:
   int handle = 0;  ///< the system's; 0 when closed, negative when accepting it failed
-  SOCKET_TYPE type = SOCKET_TYPE_STREAM;
-  SOCKET_PROTOCOL protocol = SOCKET_PROTOCOL_TCP;
-  SockAddr local{0, 0, "localhost"};  ///< its port is set by SocketCore::bind_socket()
-  SockAddr remote;                    ///< stays empty
+  SOCKET_TYPE type = SOCKET_TYPE_STREAM;           ///< as it was made, or as its server's
+  SOCKET_PROTOCOL protocol = SOCKET_PROTOCOL_TCP;  ///< as it was made, or as its server's
+  SockAddr local{0, 0, "localhost"};               ///< its port is set by SocketCore::bind_socket()
+  SockAddr remote;                                 ///< stays empty
 };
 
 }  // namespace orv

@@ -21,17 +21,17 @@ using TcpServerClientProcV2 = void (*)(SocketCore* core, Socket* client, void* p
 /// What the thread of a client works on.
 class TcpServerClientThreadParams {
  public:
-  TcpServer* server = nullptr;  ///< null for a thread of TcpServer::run()
-  SocketCore* core = nullptr;
-  Socket* server_socket = nullptr;
-  unsigned short port = 0;  ///< that the server listens on
-  unsigned char flags[2] = {};
-  unsigned int reserved = 0;
-  unsigned long thread = 0;         ///< the system's handle, set by the thread itself
-  Socket* client_socket = nullptr;  ///< null when the connection is gone
-  TcpServerClientProc client_proc = nullptr;
-  TcpServerClientProcV2 client_proc_v2 = nullptr;
-  void* user_data = nullptr;
+  TcpServer* server = nullptr;                ///< null for a thread of TcpServer::run()
+  SocketCore* core = nullptr;                 ///< reads and writes the client's socket
+  Socket* server_socket = nullptr;            ///< that the client came through
+  unsigned short port = 0;                    ///< that the server listens on
+  unsigned char flags[2] = {};                ///< unused
+  unsigned int reserved = 0;                  ///< unused
+  unsigned long thread = 0;                   ///< the system's handle, set by the thread itself
+  Socket* client_socket = nullptr;            ///< null when the connection is gone
+  TcpServerClientProc client_proc = nullptr;  ///< set by TcpServer::run()
+  TcpServerClientProcV2 client_proc_v2 = nullptr;  ///< set by TcpServer::run_v2()
+  void* user_data = nullptr;                       ///< for the callback
   int size = 0;                   ///< of data with the added zero; 0 in a conversation
   unsigned char* data = nullptr;  ///< the message; null in a conversation
 };
