@@ -212,9 +212,10 @@ Fault fault_of_decoder() {
 }
 
 /// What comes before decoding.
-Fault prepare(Source* source, PictureSize* picture) {
+Fault prepare(Source* source, PictureSize* picture, std::uint64_t max_pixels) {
   if (const Fault fault = end_header(source)) return fault;
   if (const Fault fault = fault_of_contents(source->data, source->size, picture)) return fault;
+  if (picture->pixels() > max_pixels) return TOO_LARGE;
   return mend(source, *picture);
 }
 
@@ -222,14 +223,15 @@ Fault prepare(Source* source, PictureSize* picture) {
 
 DecodedImage::~DecodedImage() { stbi_image_free(pixels_); }
 
-bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels) {
+bool DecodedImage::decode(const unsigned char* data, std::size_t size, int channels,
+                          std::uint64_t max_pixels) {
   fault_ = "no data";
   if (!data || size == 0 || channels < 1 || channels > 4) return false;
   fault_ = TOO_LARGE;
   if (size > INT_MAX) return false;
   PictureSize picture;
   Source source{data, size, {}};
-  fault_ = prepare(&source, &picture);
+  fault_ = prepare(&source, &picture, max_pixels);
   if (fault_) return false;
   const BlockLimit limit(source.size, picture);
   int width = 0, height = 0, file_channels = 0;

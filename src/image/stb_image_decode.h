@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 namespace orv::detail {
@@ -16,9 +17,10 @@ class DecodedImage {
   DecodedImage& operator=(const DecodedImage&) = delete;
 
   /// Decodes JPEG, PNG, TGA, BMP, PSD, GIF (first frame), HDR and PIC to this many channels, 1 to
-  /// 4. False for what is none of these and for a picture whose size is out of all proportion to
-  /// the data.
-  bool decode(const unsigned char* data, std::size_t size, int channels);
+  /// 4. False for what is none of these, for a picture whose size is out of all proportion to the
+  /// data, and for one of more than `max_pixels`, before memory is taken for it.
+  bool decode(const unsigned char* data, std::size_t size, int channels,
+              std::uint64_t max_pixels = UINT64_MAX);
 
   /// Why the last decode() failed, by a text that is never freed; null when it did not.
   const char* fault() const { return fault_; }

@@ -258,7 +258,8 @@ bool copy_jpeg(const unsigned char* data, std::size_t size, FrameBytes* copy) {
 bool convert_jpeg(const unsigned char* data, std::size_t size, WebcamFrame* frame) {
   FrameBytes copy;
   DecodedImage image;
-  if (!copy_jpeg(data, size, &copy) || !image.decode(copy.bytes.get(), copy.size, 3)) return false;
+  if (!copy_jpeg(data, size, &copy)) return false;
+  if (!image.decode(copy.bytes.get(), copy.size, 3, MAX_PIXELS)) return false;
   if (!is_possible_size(image.width(), image.height())) return false;
   FrameLayout layout;
   layout.format = CameraFormat::RGB24;

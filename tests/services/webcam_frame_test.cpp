@@ -394,6 +394,24 @@ TEST(WebcamFrame, MjpegWithTooLargeATableIsRefused) {
   EXPECT_TRUE(convert(layout_of(CameraFormat::MJPEG, 16, 16), jpeg).empty());
 }
 
+TEST(WebcamFrame, MjpegThatTellsAHugeSizeIsRefusedBeforeItIsDecoded) {
+  Bytes jpeg = jpeg_of_blocks();
+  const std::size_t at = find_marker(jpeg, 0xC0);
+  // 12000 x 12000, with as many bytes behind the end as would make that plausible.
+  for (const std::size_t side : {at + 5, at + 7}) {
+    jpeg[side] = 12000 >> 8;
+    jpeg[side + 1] = 12000 & 255;
+  }
+  jpeg.resize(200000);
+  detail::DecodedImage image;
+  EXPECT_FALSE(image.decode(jpeg.data(), jpeg.size(), 3, 12000 * 12000 - 1));
+  EXPECT_STREQ(image.fault(), "too large");
+  EXPECT_TRUE(convert(layout_of(CameraFormat::MJPEG, 16, 16), jpeg).empty());
+  const Bytes small = jpeg_of_blocks();
+  EXPECT_FALSE(image.decode(small.data(), small.size(), 3, 255));
+  EXPECT_TRUE(image.decode(small.data(), small.size(), 3, 256));
+}
+
 TEST(WebcamFrame, OtherPicturesAreNoMjpeg) {
   std::string png = TempFolder::read_file(ORV_TEST_DATA_DIR "/../fuzz/corpus/image/basn2c08.png");
   ASSERT_FALSE(png.empty());
