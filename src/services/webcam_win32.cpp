@@ -61,7 +61,7 @@ bool WebcamWin32::start(int device_index) {
       is_there ? list.devices[device_index] : detail::WebcamDevice();
   data_->device_index = device_index;
   std::memcpy(data_->device_name, device.name, sizeof(device.name));
-  data_->frame = detail::WebcamFrame();
+  data_->has_frame = false;
   const int code = is_there ? capture.start(device) : ENODEV;
   data_->started = code == 0;
   data_->frame_width = data_->started ? static_cast<int>(capture.layout().width) : 0;
@@ -82,14 +82,18 @@ bool WebcamWin32::grab_frame() {
   detail::WebcamFrame& frame = data_->frame;
   const WebcamCapture::Grab grab = data_->capture.grab(&frame);
   if (grab != WebcamCapture::Grab::TAKEN) {
-    return grab == WebcamCapture::Grab::NONE && frame.bytes;
+    return grab == WebcamCapture::Grab::NONE && data_->has_frame;
   }
+  data_->has_frame = true;
   data_->frame_width = static_cast<int>(frame.width);
   data_->frame_height = static_cast<int>(frame.height);
   return true;
 }
 
-unsigned char* WebcamWin32::get_frame() { return data_->frame.bytes.get(); }
+unsigned char* WebcamWin32::get_frame() {
+  // Not one of a device before, whose size may be another than the one that is told.
+  return data_->has_frame ? data_->frame.bytes.get() : nullptr;
+}
 
 int WebcamWin32::get_frame_width() { return data_->frame_width; }
 

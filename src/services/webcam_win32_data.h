@@ -10,7 +10,8 @@ struct WebcamWin32Data {
   static WebcamWin32Data& of(WebcamWin32& webcam) { return *webcam.data_; }
 
   detail::WebcamCapture capture;
-  detail::WebcamFrame frame;
+  detail::WebcamFrame frame;  // the block outlives a start: a host may still hold it
+  bool has_frame = false;     // one was taken since the start
   int frame_width = 0;
   int frame_height = 0;
   unsigned int num_webcams = 0;

@@ -221,6 +221,44 @@ TEST_F(WebcamWin32Test, StartOfAnotherDeviceStopsTheFirst) {
   EXPECT_FALSE(system.cameras[0].is_streaming);
   EXPECT_EQ(webcam->get_frame(), nullptr) << "of the other size, and the other camera's";
   EXPECT_EQ(webcam->get_frame_width(), 2);
+  EXPECT_FALSE(webcam->grab_frame()) << "nothing of this camera yet";
+}
+
+TEST_F(WebcamWin32Test, TheFramesMemoryStaysUntilAGrabOfAnotherSize) {
+  FakeCamera& camera = system.cameras[0];
+  webcam->start(0);
+  EXPECT_EQ(grab(Bytes(36, 8)), Bytes(36, 8));
+  const unsigned char* held = webcam->get_frame();
+  webcam->stop();
+  EXPECT_EQ(webcam->get_frame(), held);
+  EXPECT_TRUE(webcam->start(0));
+  EXPECT_EQ(Bytes(held, held + 36), Bytes(36, 8));
+  EXPECT_EQ(grab(Bytes(36, 9)), Bytes(36, 9));
+  EXPECT_EQ(webcam->get_frame(), held) << "of the same size: the same block";
+  system.fail_call = "VIDIOC_STREAMON";
+  EXPECT_FALSE(webcam->start(0));
+  EXPECT_EQ(webcam->get_frame(), nullptr);
+  EXPECT_EQ(Bytes(held, held + 36), Bytes(36, 9));
+  system.fail_call = "";
+  camera.width = camera.height = 2;
+  camera.bytesperline = 6;
+  EXPECT_TRUE(webcam->start(0));
+  EXPECT_EQ(grab(Bytes(12, 7)), Bytes(12, 7));
+}
+
+TEST_F(WebcamWin32Test, FailuresAreToldAtErrorLevel) {
+  const LogCapture errors(LOG_LEVEL_ERROR);
+  webcam->start(2);
+  EXPECT_EQ(errors.count("found 0 capture device. Unable to start device 2"), 1);
+  system.cameras[0];
+  system.fail_call = "VIDIOC_REQBUFS";
+  webcam->start(0);
+  EXPECT_EQ(errors.count("startup FAILED (code="), 1);
+  system.fail_call = "";
+  webcam->start(0);
+  webcam->stop();
+  webcam->initialize();
+  EXPECT_EQ(errors.lines().size(), 2u) << "all else is no error";
 }
 
 TEST_F(WebcamWin32Test, TwoCamerasDeliverSideBySide) {
@@ -240,6 +278,7 @@ TEST_F(WebcamWin32Test, TwoCamerasDeliverSideBySide) {
 
 TEST_F(WebcamWin32Test, NoFrameBeforeStartAndBeforeTheFirst) {
   EXPECT_FALSE(webcam->grab_frame());
+  EXPECT_EQ(webcam->get_frame(), nullptr);
   system.cameras[0];
   EXPECT_TRUE(webcam->start(0));
   EXPECT_FALSE(webcam->grab_frame());

@@ -31,8 +31,9 @@ class ORV_API WebcamWin32 : public Node {
   /// Runs `initialize`, each time, and returns the number of devices.
   unsigned int get_num_webcams();
   /// Lets a device deliver, in the size it is set to. A device that delivers is stopped first, and
-  /// a frame of before is freed. Needs no `initialize`. False, with a line in the log, when there
-  /// is no such device, or when a step of opening it fails; the line tells the error number.
+  /// a frame of before is no longer handed out. Needs no `initialize`. False, with a line in the
+  /// log, when there is no such device, or when a step of opening it fails; the line tells the
+  /// error number.
   /// @param device_index from 0, as `initialize` lists them
   bool start(int device_index);
   /// Takes the newest frame, if there is a newer one. True when the frame is as new as can be;
@@ -40,8 +41,8 @@ class ORV_API WebcamWin32 : public Node {
   /// and from then on when the device is gone. The frame stays as it was then.
   bool grab_frame();
   /// The frame: rows bottom-up without gaps, three bytes a pixel in the order blue, green, red.
-  /// Null before the first grab. Borrowed; it stays until a grab finds another size or a device is
-  /// started, and after `stop`.
+  /// Null before the first grab after `start`. Borrowed; its memory stays until a grab finds
+  /// another size, also after `stop` and another `start`.
   unsigned char* get_frame();
   /// @{
   /// Size of the frame in pixels; between `start` and the first grab that which is to be expected,
