@@ -352,12 +352,16 @@ TEST(AudioData, SineWaveHasNoFactorOfTwo) {
 }
 
 TEST(AudioData, SawtoothIsAHyperbola) {
-  EXPECT_EQ(AudioData::gen_sawtooth(0.0f, 0.0f), 0.0f);
-  EXPECT_EQ(AudioData::gen_sawtooth(0.0f, -0.0f), 0.0f);
   EXPECT_EQ(AudioData::gen_sawtooth(0.0f, 2.0f), 0.0f);
   EXPECT_EQ(AudioData::gen_sawtooth(9.0f, 1.0f), 1.0f);
   EXPECT_EQ(AudioData::gen_sawtooth(0.0f, 0.25f), 7.0f);
   EXPECT_EQ(AudioData::gen_sawtooth(0.0f, -2.0f), -2.0f);
+}
+
+TEST(AudioData, SawtoothOfZeroIsZeroAndNoInfinity) {
+  EXPECT_EQ(AudioData::gen_sawtooth(0.0f, 0.0f), 0.0f);
+  EXPECT_EQ(AudioData::gen_sawtooth(0.0f, -0.0f), 0.0f);
+  EXPECT_EQ(AudioData::gen_sawtooth(7.0f, 0.0f), 0.0f);
 }
 
 TEST(AudioData, SquareFallsAtTheHalf) {
@@ -396,6 +400,9 @@ TEST(AudioData, GeneratorChoosesByType) {
   const float noise = AudioData::generator(2.0f, 0.3f, 4);
   Math::srnd(8);
   EXPECT_EQ(noise, AudioData::gen_white_noise(2.0f, 0.3f));
+}
+
+TEST(AudioData, GeneratorOfAnotherTypeIsZero) {
   for (const int type : {9, 5, 0, -1}) EXPECT_EQ(AudioData::generator(2.0f, 0.3f, type), 0.0f);
 }
 

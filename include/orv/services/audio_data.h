@@ -14,10 +14,16 @@ struct AudioDataQueue;
 /// Describes a stream of PCM sound and carries its blocks from the thread that makes them to the
 /// one that plays them. The library itself plays nothing: that is for a plugin derived from Audio.
 ///
-///     // one thread                                     // another one
-///     AudioFrame* frame = audio.new_audio_frame(4096);  AudioFrame* next =
-///     audio.pop_audio_frame(); fill(frame->data, frame->size);                   if (next)
-///     play(next->data, next->size); audio.push_audio_frame(frame); audio.del_audio_frame(next);
+///     // One thread:
+///     AudioFrame* frame = audio.new_audio_frame(4096);
+///     fill(frame->data, frame->size);
+///     audio.push_audio_frame(frame);
+///
+///     // Another one:
+///     if (AudioFrame* next = audio.pop_audio_frame()) {
+///       play(next->data, next->size);
+///       audio.del_audio_frame(next);
+///     }
 ///
 /// These four may run beside each other when one thread makes and pushes and one pops; the counts
 /// may be asked for anywhere. All else wants the object to itself.
