@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "services/key_rows.h"
@@ -19,6 +22,8 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+static_assert(!std::is_polymorphic_v<Keyboard>);
 
 constexpr KeyCode UNKNOWN = static_cast<KeyCode>(59);  // F1 has no entry
 
@@ -124,9 +129,14 @@ TEST(Keyboard, NegativeStatesClear) {
 TEST(Keyboard, RawQuestionsEndAt256) {
   Keyboard keyboard;
   keyboard.init();
-  EXPECT_FALSE(keyboard.is_key_down_raw(255));
-  EXPECT_FALSE(keyboard.is_key_down_raw(256));
-  EXPECT_FALSE(keyboard.is_key_down_raw(0xffffffffu));
+  KeyboardData& data = KeyboardData::of(keyboard);
+  std::fill(std::begin(data.key_buffer), std::end(data.key_buffer), std::uint8_t{0xff});
+  std::fill(std::begin(data.vk_of_code), std::end(data.vk_of_code), std::uint8_t{0xff});
+  EXPECT_TRUE(keyboard.is_key_down_raw(0));
+  EXPECT_TRUE(keyboard.is_key_down_raw(255));
+  for (const unsigned int vk : {256u, 257u, 512u, 0x80000000u, 0xffffffffu}) {
+    EXPECT_FALSE(keyboard.is_key_down_raw(vk)) << vk;
+  }
 }
 
 TEST(Keyboard, VirtualKeyQuestionIsAlwaysFalse) {
@@ -135,6 +145,18 @@ TEST(Keyboard, VirtualKeyQuestionIsAlwaysFalse) {
   EXPECT_FALSE(keyboard.is_virtual_key_down(65));
   keyboard.set_key_state(KEY_A, 1);
   for (const int vk : {65, 0, 255, 256, -1}) EXPECT_FALSE(keyboard.is_virtual_key_down(vk));
+}
+
+TEST_F(KeyboardOnDesk, VirtualKeyQuestionIsFalseAfterAnyCall) {
+  desk.carry(38, 'a');
+  desk.press(38);
+  keyboard.update_key_buffer();
+  EXPECT_TRUE(keyboard.is_key_down_raw(65));
+  EXPECT_FALSE(keyboard.is_virtual_key_down(65));
+  keyboard.set_virtual_key_state(65, 1);
+  EXPECT_FALSE(keyboard.is_virtual_key_down(65));
+  keyboard.clear_key_buffer();
+  EXPECT_FALSE(keyboard.is_virtual_key_down(65));
 }
 
 // ---- codes without a virtual key -------------------------------------------------------------
@@ -151,6 +173,20 @@ TEST(Keyboard, UnknownCodesShareVirtualKeyZero) {
   EXPECT_FALSE(keyboard.is_key_down(KEY_A));
   keyboard.set_key_state(static_cast<KeyCode>(-7), 0);
   EXPECT_FALSE(keyboard.is_key_down(UNKNOWN));
+}
+
+TEST(Keyboard, CodesBesideTheEightyAreUnknown) {
+  Keyboard keyboard;
+  keyboard.init();
+  keyboard.set_key_state(UNKNOWN, 1);
+  int unknown = 0;
+  for (int code = 0; code < 256; ++code) {
+    const bool listed = std::any_of(std::begin(key_rows), std::end(key_rows),
+                                    [&](const KeyRow& row) { return row.code == code; });
+    EXPECT_EQ(keyboard.is_key_down(static_cast<KeyCode>(code)), !listed) << code;
+    unknown += !listed;
+  }
+  EXPECT_EQ(unknown, 256 - 80);
 }
 
 TEST(Keyboard, BeforeInitNoCodeIsKnown) {
