@@ -23,6 +23,12 @@ inline void store(float* p, float4 v) { *reinterpret_cast<float4_in_memory*>(p) 
 /// The same value in all four lanes.
 inline float4 splat(float s) { return float4{s, s, s, s}; }
 
+/// One lane of `v` in all four: one load for four factors, where splat() takes four.
+template <int LANE>
+inline float4 spread(float4 v) {
+  return __builtin_shufflevector(v, v, LANE, LANE, LANE, LANE);
+}
+
 /// Lanes 1, 2, 0, 3.
 inline float4 rotate3(float4 v) { return __builtin_shufflevector(v, v, 1, 2, 0, 3); }
 

@@ -171,10 +171,9 @@ class ORV_API mat4 {
 
   // Sum of the columns, each times its factor.
   lanes::float4 combine(const float* factors) const {
-    return lanes::load(m) * lanes::splat(factors[0]) +
-           lanes::load(m + 4) * lanes::splat(factors[1]) +
-           lanes::load(m + 8) * lanes::splat(factors[2]) +
-           lanes::load(m + 12) * lanes::splat(factors[3]);
+    const lanes::float4 f = lanes::load(factors);
+    return lanes::load(m) * lanes::spread<0>(f) + lanes::load(m + 4) * lanes::spread<1>(f) +
+           lanes::load(m + 8) * lanes::spread<2>(f) + lanes::load(m + 12) * lanes::spread<3>(f);
   }
 
   bool equals(const float* p) const;
