@@ -29,9 +29,11 @@ void log_shape(Plugin& log, long i, const tinyobj::shape_t& shape,
                const detail::TinyobjShape& geometry) {
   const auto size = [](const auto& list) { return static_cast<long>(list.size()); };
   log.tracef("meshes[%ld].name = %s", i, shape.name.c_str());
-  log.tracef("meshes[%ld].positions: %ld", i, size(geometry.positions));
-  log.tracef("meshes[%ld].normals: %ld", i, size(geometry.normals));
-  log.tracef("meshes[%ld].texcoords: %ld", i, size(geometry.texcoords));
+  // Numbers, of which a position and a normal have three and texture coordinates two.
+  const long vertices = size(geometry.vertices);
+  log.tracef("meshes[%ld].positions: %ld", i, vertices * 3);
+  log.tracef("meshes[%ld].normals: %ld", i, geometry.has_normals ? vertices * 3 : 0);
+  log.tracef("meshes[%ld].texcoords: %ld", i, geometry.has_texcoords ? vertices * 2 : 0);
   log.tracef("meshes[%ld].indices: %ld", i, size(geometry.indices));
   log.tracef("meshes[%ld].material_ids: %ld", i, size(shape.mesh.material_ids));
 }
@@ -114,27 +116,25 @@ std::vector<Material*> build_materials(const std::vector<tinyobj::material_t>& r
 
 // ---- meshes ----
 
-void write_vertices(const detail::TinyobjShape& shape, MeshData& data) {
+void write_vertices(const tinyobj::attrib_t& attrib, const detail::TinyobjShape& shape,
+                    MeshData& data) {
   detail::AttribWriter positions(data, VERTEX_ATTRIB_POSITION);
-  for (std::size_t i = 0; i < shape.positions.size(); i += 3) {
-    const float* p = &shape.positions[i];
-    positions.set(i / 3, vec4(p[0], p[1], p[2], 1.0f));
-  }
-  if (!shape.normals.empty()) {
-    detail::AttribWriter normals(data, VERTEX_ATTRIB_NORMAL);
-    for (std::size_t i = 0; i < shape.normals.size(); i += 3) {
-      const float* n = &shape.normals[i];
-      normals.set(i / 3, vec4(n[0], n[1], n[2], 1.0f));
+  detail::AttribWriter normals(data, VERTEX_ATTRIB_NORMAL);
+  detail::AttribWriter texcoords(data, VERTEX_ATTRIB_UV0);
+  detail::AttribWriter colors(data, VERTEX_ATTRIB_COLOR);
+  const vec4 white(1.0f, 1.0f, 1.0f, 1.0f);
+  // All of a vertex at once: large models do not fit into the caches.
+  for (std::size_t i = 0; i < shape.vertices.size(); ++i) {
+    const detail::TinyobjCorner& corner = shape.vertices[i];
+    positions.set(i, detail::tinyobj_element<3>(attrib.vertices, corner.position));
+    if (shape.has_normals) {
+      normals.set(i, detail::tinyobj_element<3>(attrib.normals, corner.normal));
     }
-  }
-  if (!shape.texcoords.empty()) {
-    detail::AttribWriter texcoords(data, VERTEX_ATTRIB_UV0);
-    for (std::size_t i = 0; i < shape.texcoords.size(); i += 2) {
-      const float* t = &shape.texcoords[i];
-      texcoords.set(i / 2, vec4(t[0], t[1], 0.0f, 1.0f));
+    if (shape.has_texcoords) {
+      texcoords.set(i, detail::tinyobj_element<2>(attrib.texcoords, corner.texcoord));
     }
+    colors.set(i, white);
   }
-  detail::AttribWriter(data, VERTEX_ATTRIB_COLOR).fill(vec4(1.0f, 1.0f, 1.0f, 1.0f));
 }
 
 /// Gives the faces their materials and the mesh each material once, in the order of first use.
@@ -154,9 +154,10 @@ void write_face_materials(const std::vector<int>& ids, const std::vector<Materia
   }
 }
 
-void build_mesh(const tinyobj::shape_t& record, const detail::TinyobjShape& shape,
-                const std::vector<Material*>& materials, Model& model) {
-  const std::size_t num_vertices = shape.positions.size() / 3;
+void build_mesh(const tinyobj::attrib_t& attrib, const tinyobj::shape_t& record,
+                const detail::TinyobjShape& shape, const std::vector<Material*>& materials,
+                Model& model) {
+  const std::size_t num_vertices = shape.vertices.size();
   const std::size_t num_faces = shape.indices.size() / 3;
   constexpr std::size_t LIMIT = std::numeric_limits<unsigned int>::max();
   Mesh* mesh = model.create_mesh();
@@ -169,7 +170,7 @@ void build_mesh(const tinyobj::shape_t& record, const detail::TinyobjShape& shap
   }
   mesh->alloc_face_data(static_cast<unsigned int>(num_faces), false);
   MeshData& data = *mesh->get_mesh_data();
-  write_vertices(shape, data);
+  write_vertices(attrib, shape, data);
   FaceAccess faces(data);
   for (unsigned int face = 0; face < faces.size(); ++face) {
     const unsigned int* corners = &shape.indices[std::size_t{face} * 3];
@@ -210,7 +211,7 @@ bool Loader3D_OBJ_V2::load_model(Model* model, const char* filename) {
   log_statistics(*this, file, geometry);
   const std::vector<Material*> materials = build_materials(file.materials, *model);
   for (std::size_t i = 0; i < file.shapes.size(); ++i) {
-    build_mesh(file.shapes[i], geometry[i], materials, *model);
+    build_mesh(file.attrib, file.shapes[i], geometry[i], materials, *model);
   }
   return true;
 }

@@ -4,21 +4,12 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
-
-#include "core/growing_array.h"
 
 namespace orv::detail {
 
 namespace {
-
-struct Corner {
-  int position;
-  int normal;
-  int texcoord;
-
-  bool operator==(const Corner&) const = default;
-};
 
 /// Numbers distinct corners in the order of their first use.
 class CornerList {
@@ -29,10 +20,11 @@ class CornerList {
     spread(FIRST_SLOTS);
   }
 
-  std::size_t size() const { return corners_.size(); }
+  /// The corners, moved out.
+  GrowingArray<TinyobjCorner> take() { return std::move(corners_); }
 
   /// The number of a corner, which is the former size() when it is new.
-  unsigned int find_or_add(const Corner& corner) {
+  unsigned int find_or_add(const TinyobjCorner& corner) {
     // Mostly the position has been used a moment ago, and with the same normal and so on.
     unsigned int& recent =
         recent_[static_cast<std::uint32_t>(corner.position) & (recent_.size() - 1)];
@@ -46,7 +38,7 @@ class CornerList {
   static constexpr std::size_t FIRST_SLOTS = 64;
   static constexpr std::size_t MAX_RECENT = 4096;
 
-  unsigned int find_in_slots(const Corner& corner) {
+  unsigned int find_in_slots(const TinyobjCorner& corner) {
     std::size_t slot = slot_of(corner);
     for (; slots_[slot] != FREE; slot = (slot + 1) & mask_) {
       if (corners_[slots_[slot]] == corner) return slots_[slot];
@@ -58,7 +50,7 @@ class CornerList {
     return number;
   }
 
-  std::size_t slot_of(const Corner& corner) const {
+  std::size_t slot_of(const TinyobjCorner& corner) const {
     constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15u;
     std::uint64_t hash = static_cast<std::uint32_t>(corner.position) * MIX;
     hash = (hash ^ (hash >> 32) ^ static_cast<std::uint32_t>(corner.normal)) * MIX;
@@ -77,7 +69,7 @@ class CornerList {
     }
   }
 
-  GrowingArray<Corner> corners_;
+  GrowingArray<TinyobjCorner> corners_;
   std::vector<unsigned int> recent_;  ///< numbers by the low bits of positions
   LargeVector<unsigned int> slots_;   ///< numbers of corners; as many as a power of two
   std::size_t mask_ = 0;
@@ -88,37 +80,22 @@ bool has_element(const std::vector<tinyobj::real_t>& list, int index, std::size_
   return index >= 0 && static_cast<std::size_t>(index) < list.size() / dim;
 }
 
-void append_element(const std::vector<tinyobj::real_t>& list, int index, std::size_t dim,
-                    LargeVector<float>& target) {
-  const bool found = has_element(list, index, dim);
-  const std::size_t begin = found ? static_cast<std::size_t>(index) * dim : 0;
-  for (std::size_t i = 0; i < dim; ++i) {
-    target.push_back(found ? static_cast<float>(list[begin + i]) : 0.0f);
-  }
-}
-
 }  // namespace
 
 TinyobjShape make_tinyobj_shape(const tinyobj::attrib_t& attrib, const tinyobj::mesh_t& mesh) {
   TinyobjShape shape;
-  bool has_normals = false;
-  bool has_texcoords = false;
   for (const tinyobj::index_t& index : mesh.indices) {
-    has_normals = has_normals || has_element(attrib.normals, index.normal_index, 3);
-    has_texcoords = has_texcoords || has_element(attrib.texcoords, index.texcoord_index, 2);
+    shape.has_normals = shape.has_normals || has_element(attrib.normals, index.normal_index, 3);
+    shape.has_texcoords =
+        shape.has_texcoords || has_element(attrib.texcoords, index.texcoord_index, 2);
   }
   shape.indices.reserve(mesh.indices.size());
   CornerList corners(mesh.indices.size());
   for (const tinyobj::index_t& index : mesh.indices) {
-    const Corner corner = {index.vertex_index, index.normal_index, index.texcoord_index};
-    const std::size_t known = corners.size();
-    const unsigned int vertex = corners.find_or_add(corner);
-    shape.indices.push_back(vertex);
-    if (vertex < known) continue;
-    append_element(attrib.vertices, corner.position, 3, shape.positions);
-    if (has_normals) append_element(attrib.normals, corner.normal, 3, shape.normals);
-    if (has_texcoords) append_element(attrib.texcoords, corner.texcoord, 2, shape.texcoords);
+    shape.indices.push_back(
+        corners.find_or_add({index.vertex_index, index.normal_index, index.texcoord_index}));
   }
+  shape.vertices = corners.take();
   return shape;
 }
 

@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const orv::detail::TinyobjShape made = orv::detail::make_tinyobj_shape(file.attrib, shape.mesh);
     if (made.indices.size() % 3 != 0) std::abort();
     for (const unsigned int index : made.indices) {
-      if (index >= made.positions.size() / 3) std::abort();
+      if (index >= made.vertices.size()) std::abort();
     }
   }
   return 0;
