@@ -4,6 +4,7 @@
 #include "image/bmp_palette.h"
 #include "image/hdr_check.h"
 #include "image/jpeg_check.h"
+#include "image/png_palette.h"
 
 #include <algorithm>
 #include <climits>
@@ -22,25 +23,38 @@ constexpr std::size_t SMALL_BLOCKS = std::size_t{1} << 20;
 /// that tells a length, data that swells far beyond the picture.
 thread_local std::size_t block_limit = SMALL_BLOCKS;
 
-/// A block that begins with bytes of another one and is zeroed behind them: of a file that ends
-/// early the decoder hands out pixels, and uses tables, that it never wrote. Blocks come from
-/// new[], so that an image can take the last one over.
-void* copy_block(const void* source, std::size_t copied, std::size_t size) {
+/// Which blocks hold zeros where nothing was copied. Of most files that end early the decoder hands
+/// out pixels, and uses tables, that it never wrote: all of them do. The pixels of a PNG are
+/// written whole or refused, so only its unpacked stream needs it, which may repeat bytes that do
+/// not exist yet. The decoder collects packed data first, in a block that it resizes; then it
+/// allocates that of the stream, resizes it, and allocates those of pixels.
+enum class Zeroing { ALL, PNG_PACKED, PNG_STREAM, PNG_PIXELS };
+thread_local Zeroing zeroing = Zeroing::ALL;
+
+/// A block that begins with bytes of another one. Blocks come from new[], so that an image can take
+/// the last one over.
+void* copy_block(const void* source, std::size_t copied, std::size_t size, bool zeroed) {
   if (size > block_limit) return nullptr;
   unsigned char* block = new (std::nothrow) unsigned char[size];
   if (!block) return nullptr;
   orv::detail::advise_large_pages(block, size);
   if (copied > 0) std::memcpy(block, source, copied);
-  std::memset(block + copied, 0, size - copied);
+  if (zeroed) std::memset(block + copied, 0, size - copied);
   return block;
 }
 
-void* allocate_block(std::size_t size) { return copy_block(nullptr, 0, size); }
+void* allocate_block(std::size_t size) {
+  const bool zeroed = zeroing == Zeroing::ALL || zeroing == Zeroing::PNG_PACKED;
+  if (zeroing == Zeroing::PNG_STREAM) zeroing = Zeroing::PNG_PIXELS;
+  if (zeroing == Zeroing::PNG_PACKED) zeroing = Zeroing::PNG_STREAM;
+  return copy_block(nullptr, 0, size, zeroed);
+}
 
 void free_block(void* block) { delete[] static_cast<unsigned char*>(block); }
 
 void* resize_block(void* block, std::size_t old_size, std::size_t size) {
-  void* resized = copy_block(block, block ? std::min(old_size, size) : 0, size);
+  const bool zeroed = zeroing == Zeroing::ALL || zeroing == Zeroing::PNG_STREAM;
+  void* resized = copy_block(block, block ? std::min(old_size, size) : 0, size, zeroed);
   if (resized) free_block(block);
   return resized;
 }
@@ -79,14 +93,15 @@ struct Density {
   std::uint64_t pixels_per_byte;
 };
 
-constexpr Density RADIANCE = {"#?", 2, 64};  // runs of 127 in two bytes, four times
+constexpr Density PNG = {"\x89PNG", 4, 8300};  // packed 1032 to 1, and a byte is eight pixels
+constexpr Density RADIANCE = {"#?", 2, 64};    // runs of 127 in two bytes, four times
 constexpr Density SOFTIMAGE = {"\x53\x80\xF6\x34", 4, 16384};  // runs of 65535
 constexpr Density DENSITIES[] = {
     {"\xFF\xD8", 2, 1024},  // JPEG: two bits for a block of 64 pixels, colour halved
-    {"\x89PNG", 4, 8300},   // PNG: deflate packs 1032 to 1, and a byte is eight pixels
-    {"GIF8", 4, 4096},      // GIF: a code of 12 bits stands for up to 4096 pixels
-    {"BM", 2, 8},           // BMP: one bit a pixel
-    {"8BPS", 4, 128},       // PSD: runs of 128 in two bytes
+    PNG,
+    {"GIF8", 4, 4096},  // GIF: a code of 12 bits stands for up to 4096 pixels
+    {"BM", 2, 8},       // BMP: one bit a pixel
+    {"8BPS", 4, 128},   // PSD: runs of 128 in two bytes
     RADIANCE,
     SOFTIMAGE};
 constexpr std::uint64_t TGA_PIXELS_PER_BYTE = 128;  // runs of 128 in two bytes
@@ -118,17 +133,21 @@ struct PictureSize {
   std::uint64_t pixels() const { return width * height; }
 };
 
-/// Sets the limit of blocks for one picture. A pixel takes up to 16 bytes, or 32 where the block
+/// Sets what the decoder gets for one picture. A pixel takes up to 16 bytes, or 32 where the block
 /// doubles, and the edges of a JPEG are filled up to 32 pixels; compressed data take twice their
 /// size while they are collected.
-class BlockLimit {
+class BlockRules {
  public:
-  BlockLimit(std::size_t size, const PictureSize& picture) {
+  BlockRules(const unsigned char* data, std::size_t size, const PictureSize& picture) {
     block_limit = SMALL_BLOCKS + 2 * size + 32 * (picture.width + 32) * (picture.height + 32);
+    zeroing = has_magic(data, size, PNG) ? Zeroing::PNG_PACKED : Zeroing::ALL;
   }
-  ~BlockLimit() { block_limit = SMALL_BLOCKS; }
-  BlockLimit(const BlockLimit&) = delete;
-  BlockLimit& operator=(const BlockLimit&) = delete;
+  ~BlockRules() {
+    block_limit = SMALL_BLOCKS;
+    zeroing = Zeroing::ALL;
+  }
+  BlockRules(const BlockRules&) = delete;
+  BlockRules& operator=(const BlockRules&) = delete;
 };
 
 /// What is wrong with a file is a text that is never freed; null is told of a good one.
@@ -192,6 +211,7 @@ Fault fill_up(Source* source, const PictureSize& picture) {
 /// the file.
 Fault mend(Source* source, const PictureSize& picture) {
   if (has_magic(source->data, source->size, RADIANCE)) return fill_up(source, picture);
+  if (fill_png_palette(source->data, source->size, &source->copy)) return source->use_copy();
   switch (rebuild_bmp_palette(source->data, source->size, &source->copy)) {
     case BmpPalette::BROKEN:
       return "BMP with a missing, too large or truncated palette";
@@ -233,7 +253,7 @@ bool DecodedImage::decode(const unsigned char* data, std::size_t size, int chann
   Source source{data, size, {}};
   fault_ = prepare(&source, &picture, max_pixels);
   if (fault_) return false;
-  const BlockLimit limit(source.size, picture);
+  const BlockRules rules(source.data, source.size, picture);
   int width = 0, height = 0, file_channels = 0;
   // Of a Softimage picture that fails the decoder would convert the null picture: it is converted
   // here, from the four channels that all of them are decoded to.

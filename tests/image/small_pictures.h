@@ -297,25 +297,26 @@ inline std::vector<SmallPicture> make_small_pictures() {
   return pictures;
 }
 
-/// A PNG of 4 by 4 grey pixels whose data swell to this many bytes more than it needs.
-inline Bytes make_swelling_png(std::size_t surplus) {
+/// A square PNG of grey pixels whose data swell to at least this many bytes: a zero, then runs of
+/// 258 bytes that repeat those at the distance of a deflate code, 0 for the last byte.
+inline Bytes make_repeating_png(unsigned int side, std::size_t bytes, unsigned int distance_code) {
   using namespace small;
-  // One deflate block of fixed codes: a zero, then runs of 258 bytes at distance 1.
+  // One deflate block of fixed codes.
   BitWriter bits;
   bits.put(0x78, 8);
   bits.put(0x01, 8);
   bits.put(0b011, 3);
   bits.put_code(0x30, 8);
-  for (std::size_t done = 1; done < 4 * 5 + surplus; done += 258) {
+  for (std::size_t done = 1; done < bytes; done += 258) {
     bits.put_code(0b11000101, 8);
-    bits.put_code(0, 5);
+    bits.put_code(distance_code, 5);
   }
   bits.put_code(0, 7);
   Bytes data = bits.take();
   data.resize(data.size() + 4);  // the checksum, which is not looked at
   Writer out;
   out.byte(0x89).text("PNG\r\n\x1A\n");
-  out.big32(13).text("IHDR").big32(4).big32(4).bytes({8, 0, 0, 0, 0}).zeros(4);
+  out.big32(13).text("IHDR").big32(side).big32(side).bytes({8, 0, 0, 0, 0}).zeros(4);
   out.big32(static_cast<unsigned int>(data.size())).text("IDAT").append(data).zeros(4);
   out.big32(0).text("IEND").zeros(4);
   return out.take();

@@ -146,16 +146,26 @@ TEST(SmallPictures, TablesThatAJpegLacksAreNotTakenFromOldMemory) {
   }
 }
 
+TEST(SmallPictures, BytesRepeatedFromNowhereAreZeros) {
+  // The distance that code 30 stands for is 0 to the decoder.
+  constexpr unsigned int SIDE = 64;
+  const Bytes png = test::make_repeating_png(SIDE, SIDE * (SIDE + 1), 30);
+  const Bytes black(std::size_t{SIDE} * SIDE * 3);
+  for (int filling = 1; filling < 256; filling += 50) {
+    EXPECT_EQ(decode_in_filled_memory(png, png.size(), filling), black) << filling;
+  }
+}
+
 TEST(SmallPictures, DataThatSwellFarBeyondThePictureAreRefused) {
   Image image;
-  const Bytes fitting = test::make_swelling_png(0);
+  const Bytes fitting = test::make_repeating_png(4, 4 * 5, 0);
   EXPECT_TRUE(test::decode(fitting, fitting.size(), PF_RGB_U8, &image));
-  const Bytes swelling = test::make_swelling_png(std::size_t{16} << 20);
+  const Bytes swelling = test::make_repeating_png(4, std::size_t{16} << 20, 0);
   EXPECT_FALSE(test::decode(swelling, swelling.size(), PF_RGB_U8, &image));
 }
 
 TEST(SmallPictures, AChunkLongerThanTheFileIsRefused) {
-  Bytes png = test::make_swelling_png(0);
+  Bytes png = test::make_repeating_png(4, 4 * 5, 0);
   constexpr std::size_t DATA_LENGTH = 8 + 25;
   png[DATA_LENGTH] = 0x7F;
   Image image;
