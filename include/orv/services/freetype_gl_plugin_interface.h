@@ -77,7 +77,8 @@ class ORV_API FreeTypeGLPluginInterface : public Plugin {
   virtual bool load_face_from_memory(Font* font, const void* data, unsigned int size,
                                      float pixel_height) = 0;
   /// Frees face, atlas and queue of a font and sets its pointer to null. Without a renderer the
-  /// copies on the GPU stay.
+  /// copies on the GPU stay; so do those of a face or an atlas that another one replaces, which a
+  /// host avoids by freeing the face first.
   virtual bool free_face(Renderer* renderer, Font* font) = 0;
   /// Another height, above 0, for all texts that come; atlas and queue are emptied.
   virtual bool set_pixel_height(Font* font, float pixel_height) = 0;
@@ -137,8 +138,8 @@ class ORV_API FreeTypeGLPluginInterface : public Plugin {
   /// @param pen  where the text begins, on its base line; receives where the next one would
   /// @return false, with pen and queue as they were, when the atlas is full
   virtual bool add_text(Font* font, vec2* pen, const char* text) = 0;
-  /// Draws the queue with the font's transform and keeps it. The atlas is uploaded and bound at
-  /// unit 0; program and blending are the host's. True for an empty queue. False for a null
+  /// Draws the queue with the font's absolute transform and keeps it. The atlas is uploaded and
+  /// bound at unit 0; program and blending are the host's. True for an empty queue. False for a null
   /// renderer and before start().
   virtual bool render_text(Renderer* renderer, Font* font) = 0;
   /// Draws one text that begins at a point, beside the queue, as render_text() does.

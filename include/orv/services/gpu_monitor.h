@@ -73,7 +73,8 @@ class ORV_API GpuMonitor : public Plugin {
 
   /// GPUs that were found.
   virtual unsigned int get_num_gpus() = 0;
-  /// Looks for GPUs anew. Their records start anew too, at the addresses that get_gpu() tells then.
+  /// Looks for GPUs anew. Their records start anew too, at the addresses that get_gpu() tells then;
+  /// what was set stays.
   virtual bool refresh_gpus() = 0;
   /// Record of a GPU, the plugin's; null past the last. Good until refresh_gpus() or terminate().
   /// The host may reset its extremes.
@@ -232,8 +233,8 @@ class ORV_API GpuMonitor : public Plugin {
   virtual bool set_alarm(unsigned int gpu, unsigned int sensor, float limit) = 0;
   /// Whether the alarm of a sensor was given and the temperature did not fall since.
   virtual bool is_alarm_on(unsigned int gpu, unsigned int sensor) = 0;
-  /// Lets update_gpu() append a line of readings (CSV, with a heading) to a file; null ends it.
-  /// False when the file cannot be written.
+  /// Lets update_gpu() append a line of readings (CSV) to a file, which begins anew with a heading;
+  /// null ends it. False, with the file before kept, when this one cannot be written.
   virtual bool record_to_file(unsigned int gpu, const char* filename) = 0;
   /// A report on a GPU for the user, several lines.
   /// @param text  receives at most size - 1 bytes and a zero; may be null with size 0

@@ -49,8 +49,8 @@ class ORV_API OpenCLDeviceInfo {
 /// enqueueing may return before the work is done; reading waits for it.
 ///
 /// What a plugin cannot do, unknown numbers, objects of different contexts, null where something is
-/// needed, and ranges past the end give false or 0 and change nothing; the cause is in the log at
-/// debug level. The host calls from one thread, with a shared renderer from the renderer's.
+/// needed, and ranges past the end give false or 0 and change nothing. The host calls from one
+/// thread, with a shared renderer from the renderer's.
 ///
 /// The order of the operations is a contract with modules built apart.
 class ORV_API OpenCLPlugin : public Plugin {

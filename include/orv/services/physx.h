@@ -30,9 +30,9 @@ namespace orv {
 /// Materials and shapes belong to the plugin and may be used by many; destroying one lets it go
 /// once its last user has ended. Arrays are copied. terminate() ends all.
 ///
-/// **Threads.** One scene, one thread at a time. Between simulate() and fetch_results() the step
-/// may run on threads of the plugin: what changes its scene then counts after the step, and what
-/// reads gives the state before it.
+/// **Threads.** One scene, one thread at a time. The step runs between simulate() and
+/// fetch_results(), maybe on threads of the plugin. Every operation may be called meanwhile, but
+/// whether it counts and reads before or after the step is left to the plugin.
 ///
 /// The order of the operations is a contract with modules built apart.
 class ORV_API PhysX : public Plugin {
@@ -306,7 +306,8 @@ class ORV_API PhysX : public Plugin {
   // ---- characters ----
 
   /// Makes a character, an upright capsule that a host moves by hand and that slides along what it
-  /// meets. Rays and bodies meet it as a kinematic body that is not among those of the scene.
+  /// meets. Rays, bodies and triggers meet it as a kinematic body of group 0 that is not among those
+  /// of the scene: in hits, contacts and events its number stands for the body, and 0 for its shape.
   /// @param position  of its feet
   /// @param radius    metres, above 0
   /// @param height    metres from feet to head, at least twice the radius

@@ -19,7 +19,7 @@ namespace orv {
 /// from 0, times are seconds from the begin. What a plugin cannot do, unknown videos, null where
 /// something is needed and numbers out of range give false, 0 or null and change nothing. What
 /// takes a renderer belongs to the renderer's thread. Distinct videos may be used on distinct
-/// threads, one video by one thread at a time.
+/// threads, one video by one thread at a time; while one is opened or closed, all others rest.
 ///
 /// The order of the operations is a contract with modules built apart.
 class ORV_API SimpleVideo : public Plugin {
@@ -78,7 +78,8 @@ class ORV_API SimpleVideo : public Plugin {
   virtual bool set_output_size(int video, unsigned int width, unsigned int height) = 0;
   /// Whether the last row comes first, as OpenGL wants it; it does not at first.
   virtual bool set_flip_vertical(int video, bool state) = 0;
-  /// Whether the video begins again at its end; it does not at first.
+  /// Whether the video begins again at its end; it does not at first. The sound begins again with
+  /// the pictures.
   virtual bool set_loop(int video, bool state) = 0;
   /// Speed of the clock, above 0 to 16; 1 at first.
   virtual bool set_speed(int video, double speed) = 0;
@@ -120,7 +121,9 @@ class ORV_API SimpleVideo : public Plugin {
   /// size or format is another.
   virtual bool get_frame_image(int video, Image* image) = 0;
   /// Copies the present picture into a texture, which becomes a plain one of its size and format,
-  /// and uploads it at unit 0. With a null renderer it is uploaded when the texture is bound.
+  /// and brings it to the GPU at unit 0, also when an earlier picture is there. With a null renderer
+  /// that happens when the texture is bound; false then for one that is on the GPU with another
+  /// size or format.
   virtual bool get_frame_texture(int video, Renderer* renderer, Texture* texture) = 0;
 
   // ---- sound ----
@@ -132,7 +135,7 @@ class ORV_API SimpleVideo : public Plugin {
   /// as it is read; seeking brings them together.
   /// @param data         made like the format of get_sound_format()
   /// @param max_frames   stop after so many
-  /// @return frames that were appended; 0 at the end
+  /// @return frames that were appended; 0 at the end, with a loop until the pictures begin again
   virtual unsigned int read_sound(int video, AudioData* data, unsigned int frame_size,
                                   unsigned int max_frames) = 0;
 };
