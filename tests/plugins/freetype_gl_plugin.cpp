@@ -251,7 +251,8 @@ class BoxFonts : public orv::test::Module<orv::FreeTypeGLPluginInterface> {
     if (!face) return false;
     if (!face->texture && !make_texture(*face)) return false;
     if (face->is_dirty) write_texture(*face);
-    return !renderer || face->texture->upload(renderer, 0, false);
+    // An upload leaves alone what is on the GPU already; binding brings the new pixels there.
+    return !renderer || face->texture->bind(renderer, 0);
   }
   orv::Texture* get_atlas_texture(orv::Font* font) override {
     const Face* face = face_of(font);
@@ -288,8 +289,7 @@ class BoxFonts : public orv::test::Module<orv::FreeTypeGLPluginInterface> {
     if (!renderer || !face || !is_started()) return false;
     if (face->queue.empty()) return true;
     if (!upload_atlas(renderer, font) || !build_mesh(renderer, *face)) return false;
-    face->mesh->set_transform(font->get_transform());
-    face->texture->bind(renderer, 0);
+    face->mesh->set_transform(font->get_absolute_transform());
     face->mesh->render(renderer, nullptr);
     return true;
   }

@@ -3,6 +3,7 @@
 // green y and blue n. Its one sound track is the sample n at the moment n, 8000 a second.
 
 #include <orv/gpu/texture.h>
+#include <orv/gpu/texture_data.h>
 #include <orv/image/image.h>
 #include <orv/services/audio_data.h>
 #include <orv/services/audio_frame.h>
@@ -186,6 +187,7 @@ class ComputedVideo : public orv::test::Module<orv::SimpleVideo> {
     if (last && !video->loop) return false;
     video->frame = last ? 0 : video->frame + 1;
     video->time = video->frame / video->rate;
+    if (last) video->next_sample = 0;
     return true;
   }
   bool get_frame_image(int number, orv::Image* image) override {
@@ -203,10 +205,9 @@ class ComputedVideo : public orv::test::Module<orv::SimpleVideo> {
   bool get_frame_texture(int number, orv::Renderer* renderer, orv::Texture* texture) override {
     orv::Image image;
     if (!texture || !get_frame_image(number, &image)) return false;
-    if (!texture->create_2d(image.width, image.height, image.pixel_format, false)) return false;
-    if (!texture->load_from_image(image)) return false;
-    texture->gen_mipmaps(false);
-    return !renderer || texture->upload(renderer, 0, false);
+    if (!make_like(*texture, image, renderer) || !texture->load_from_image(image)) return false;
+    // An upload leaves alone what is on the GPU already; binding brings the new pixels there.
+    return !renderer || texture->bind(renderer, 0);
   }
 
   bool get_sound_format(int video, orv::AudioData* data) override {
@@ -239,6 +240,18 @@ class ComputedVideo : public orv::test::Module<orv::SimpleVideo> {
   }
 
  private:
+  /// Gives a texture the size and format of an image. One that is on the GPU goes there anew.
+  static bool make_like(orv::Texture& texture, const orv::Image& image, orv::Renderer* renderer) {
+    const bool fits = texture.get_data_ptr()->type == orv::TEXTURE_2D &&
+                      texture.get_width() == image.width && texture.get_height() == image.height &&
+                      texture.get_pixel_format() == image.pixel_format;
+    if (fits) return true;
+    if (texture.is_loaded_in_gpu_memory() && !texture.unload(renderer)) return false;
+    if (!texture.create_2d(image.width, image.height, image.pixel_format, false)) return false;
+    texture.gen_mipmaps(false);
+    return true;
+  }
+
   template <class Value>
   Value get(int number, Value Video::*field) const {
     const Video* video = videos_.find(number);

@@ -1,5 +1,6 @@
 #include <orv/gpu/texture.h>
 #include <orv/image/image.h>
+#include <orv/math/mat4.h>
 #include <orv/math/vec2.h>
 #include <orv/math/vec4.h>
 #include <orv/services/freetype_gl_plugin_interface.h>
@@ -20,6 +21,8 @@ namespace {
 
 // Characters from the space to the umlaut u.
 constexpr char kFace[] = "BOXES 32 252";
+
+using testing::Contains;
 
 constexpr vec4 RED(1, 0, 0, 1), WHITE(1, 1, 1, 1);
 
@@ -175,6 +178,40 @@ TEST_F(FreeTypeGLModule, TextsOfTheQueueAreDrawn) {
   EXPECT_EQ(draw.positions[8], vec4(18, 80, 0, 1)) << "the c behind it";
   EXPECT_EQ(draw.colors[0], RED);
   EXPECT_EQ(draw.colors[8], WHITE);
+}
+
+TEST_F(FreeTypeGLModule, TextsStandWhereTheFontIs) {
+  struct : DrawWatcher {
+    void load_fixed_matrices(const mat4*, const mat4* view, const mat4*, const mat4*) override {
+      model_view = *view;
+    }
+    mat4 model_view;
+  } renderer;
+  font_->set_position(100, 50, 0);
+  EXPECT_TRUE(plugin_->draw_text(&renderer, font_, 0, 0, "a"));
+  EXPECT_EQ(renderer.model_view.m[12], 100.0f);
+  EXPECT_EQ(renderer.model_view.m[13], 50.0f);
+  EXPECT_TRUE(plugin_->free_face(&renderer, font_));
+}
+
+TEST_F(FreeTypeGLModule, NewCharactersReachTheAtlasOnTheGpu) {
+  DrawWatcher renderer;
+  EXPECT_TRUE(plugin_->cache_glyphs(font_, "a"));
+  EXPECT_TRUE(plugin_->upload_atlas(&renderer, font_));
+  EXPECT_EQ(renderer.count("texture_load"), 1);
+  Texture* texture = plugin_->get_atlas_texture(font_);
+  ASSERT_NE(texture, nullptr);
+  texture->set_loaded_in_gpu_memory_state(true);
+  renderer.label(texture->get_data_ptr(), "atlas");
+  renderer.clear();
+  EXPECT_TRUE(plugin_->draw_text(&renderer, font_, 0, 0, "ab"));
+  EXPECT_THAT(renderer.calls(), Contains("texture_bind(atlas, 0)"));
+  EXPECT_THAT(renderer.calls(), Contains("texture_update_2d(atlas, 0, 0, 512, 512, 1)"));
+  renderer.clear();
+  EXPECT_TRUE(plugin_->draw_text(&renderer, font_, 0, 0, "ba"));
+  EXPECT_THAT(renderer.calls(), Contains("texture_bind(atlas, 0)"));
+  EXPECT_EQ(renderer.count("texture_update_2d"), 0) << "nothing new";
+  EXPECT_TRUE(plugin_->free_face(&renderer, font_));
 }
 
 TEST_F(FreeTypeGLModule, QueueIsKeptUntilItIsCleared) {

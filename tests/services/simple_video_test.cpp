@@ -14,10 +14,12 @@
 #include "services/loaded_module.h"
 #include "support/held.h"
 #include "support/log_capture.h"
+#include "support/recording_renderer.h"
 
 namespace orv::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -184,6 +186,34 @@ TEST_F(SimpleVideoModule, FillsATexture) {
   EXPECT_FALSE(plugin_->get_frame_image(video_, nullptr));
 }
 
+TEST_F(SimpleVideoModule, NextPictureReachesATextureOnTheGpu) {
+  RecordingRenderer renderer;
+  const Held<Texture> texture;
+  renderer.label(texture->get_data_ptr(), "texture");
+  EXPECT_TRUE(plugin_->get_frame_texture(video_, &renderer, texture));
+  EXPECT_THAT(renderer.calls(), Contains("texture_load(null, texture, 0)"));
+  texture->set_loaded_in_gpu_memory_state(true);
+  renderer.clear();
+  EXPECT_TRUE(plugin_->decode_next_frame(video_));
+  EXPECT_TRUE(plugin_->get_frame_texture(video_, &renderer, texture));
+  EXPECT_THAT(renderer.calls(), Contains("texture_update_2d(texture, 0, 0, 8, 6, 1)"));
+  EXPECT_THAT(pixel(*texture->get_image_ptr(), 7, 5), ElementsAre(8, 5, 1));
+}
+
+TEST_F(SimpleVideoModule, TextureOfAnotherSizeGoesToTheGpuAnew) {
+  RecordingRenderer renderer;
+  const Held<Texture> texture;
+  EXPECT_TRUE(plugin_->get_frame_texture(video_, &renderer, texture));
+  texture->set_loaded_in_gpu_memory_state(true);
+  EXPECT_TRUE(plugin_->set_output_size(video_, 4, 3));
+  EXPECT_FALSE(plugin_->get_frame_texture(video_, nullptr, texture)) << "nobody to take it away";
+  EXPECT_EQ(texture->get_width(), 8u);
+  EXPECT_EQ(renderer.count("texture_unload"), 0);
+  EXPECT_TRUE(plugin_->get_frame_texture(video_, &renderer, texture));
+  EXPECT_EQ(renderer.count("texture_unload"), 1);
+  EXPECT_EQ(texture->get_width(), 4u);
+}
+
 std::int16_t sample(const AudioFrame& frame, unsigned int index) {
   std::int16_t value = 0;
   std::memcpy(&value, frame.data + index * sizeof value, sizeof value);
@@ -214,6 +244,21 @@ TEST_F(SimpleVideoModule, ReadsSoundIntoFrames) {
   EXPECT_EQ(sample(*frame, 119), 15999);
   sound.del_audio_frame(frame);
   EXPECT_EQ(plugin_->read_sound(video_, &sound, 400, 100), 0u);
+}
+
+TEST_F(SimpleVideoModule, SoundBeginsAgainWithThePictures) {
+  AudioData sound;
+  EXPECT_TRUE(plugin_->get_sound_format(video_, &sound));
+  EXPECT_TRUE(plugin_->set_loop(video_, true));
+  EXPECT_TRUE(plugin_->seek_frame(video_, 49));
+  EXPECT_EQ(plugin_->read_sound(video_, &sound, 1000, 9), 1u) << "320 samples are left";
+  EXPECT_EQ(plugin_->read_sound(video_, &sound, 1000, 9), 0u);
+  sound.kill_audio_frames();
+  EXPECT_TRUE(plugin_->decode_next_frame(video_));
+  EXPECT_EQ(plugin_->read_sound(video_, &sound, 1000, 1), 1u);
+  AudioFrame* frame = sound.pop_audio_frame();
+  EXPECT_EQ(sample(*frame, 1), 1);
+  sound.del_audio_frame(frame);
 }
 
 TEST_F(SimpleVideoModule, SoundNeedsItsFormat) {
