@@ -51,6 +51,10 @@ struct Simulated {
   }
   float current_fan_speed() const { return fan_speed >= 0.0f ? fan_speed : load() / 2.0f; }
   bool is_power_limited() const { return 20.0f + load() * 2.2f > power_limit; }
+  unsigned int throttle_reasons() const {
+    return (is_power_limited() ? orv::GPU_THROTTLE_POWER : 0u) |
+           (locked_high ? orv::GPU_THROTTLE_LOCKED : 0u);
+  }
   unsigned int core_clock() const {
     int mhz = 300 + static_cast<int>(load()) * 15 + clock_offset;
     if (locked_high) {
@@ -77,7 +81,7 @@ struct Simulated {
     power_.voltage = 1.0f;
     power_.amperage = power();
     power_.energy = static_cast<float>(energy / 1000.0);
-    power_.throttle_reasons = is_power_limited() ? orv::GPU_THROTTLE_POWER : 0u;
+    power_.throttle_reasons = throttle_reasons();
     power_.update_max_in_test();
   }
   void reset() {
@@ -117,8 +121,12 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
 
   unsigned int get_num_gpus() override { return static_cast<unsigned int>(gpus_.size()); }
   bool refresh_gpus() override {
-    gpus_.assign(kNumGpus, {});
-    for (unsigned int i = 0; i < kNumGpus; ++i) make(gpus_[i], i);
+    const bool is_first = gpus_.empty();
+    gpus_.resize(kNumGpus);
+    for (unsigned int i = 0; i < kNumGpus; ++i) {
+      if (is_first) gpus_[i].reset();
+      make(gpus_[i], i);
+    }
     return true;
   }
   GPU* get_gpu(unsigned int gpu) override {
@@ -291,8 +299,7 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
   bool get_throttle_reasons(unsigned int gpu, unsigned int* reasons) override {
     const Simulated* found = find(gpu);
     if (!found || !reasons) return false;
-    *reasons = (found->is_power_limited() ? orv::GPU_THROTTLE_POWER : 0u) |
-               (found->locked_high ? orv::GPU_THROTTLE_LOCKED : 0u);
+    *reasons = found->throttle_reasons();
     return true;
   }
 
@@ -461,8 +468,10 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
   bool record_to_file(unsigned int gpu, const char* filename) override {
     Simulated* found = find(gpu);
     if (!found) return false;
-    found->record_filename.clear();
-    if (!filename) return true;
+    if (!filename) {
+      found->record_filename.clear();
+      return true;
+    }
     std::FILE* file = std::fopen(filename, "w");
     if (!file) return false;
     std::fputs("usage,temperature,power\n", file);
@@ -509,8 +518,11 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
 
   static void make(Simulated& gpu, unsigned int index) {
     gpu.is_large = index == 0;
-    gpu.reset();
+    gpu.processes.clear();
     GPU& record = gpu.record;
+    const unsigned int interval = record.update_interval;
+    record = {};
+    record.update_interval = interval;
     record.index = index;
     record.pci_bus = index == 0 ? 1 : 0;
     record.pci_device = index == 0 ? 0 : 2;

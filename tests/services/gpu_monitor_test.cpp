@@ -296,8 +296,9 @@ TEST_F(GpuMonitorModule, AlarmIsGivenOnce) {
 TEST_F(GpuMonitorModule, ReadingsGoToAFile) {
   const TempFolder folder;
   const std::string file = folder.path() + "/readings.csv";
-  EXPECT_FALSE(plugin_->record_to_file(kLarge, "/nonexistent/readings.csv"));
   EXPECT_TRUE(plugin_->record_to_file(kLarge, file.c_str()));
+  EXPECT_FALSE(plugin_->record_to_file(kLarge, "/nonexistent/readings.csv"))
+      << "and the file before goes on";
   work_hard();
   EXPECT_TRUE(plugin_->record_to_file(kLarge, nullptr));
   plugin_->update_gpu(kLarge);
@@ -338,6 +339,32 @@ TEST_F(GpuMonitorModule, RefreshStartsRecordsAnew) {
   EXPECT_TRUE(plugin_->refresh_gpus());
   EXPECT_EQ(plugin_->get_gpu(kLarge)->num_updates, 0u);
   EXPECT_EQ(plugin_->get_gpu(kLarge)->gpu_usage_max, 0.0f);
+}
+
+TEST_F(GpuMonitorModule, SettingsOutliveARefresh) {
+  EXPECT_TRUE(plugin_->set_power_limit(kLarge, 120.0f));
+  EXPECT_TRUE(plugin_->set_fan_speed(kLarge, 0, 70.0f));
+  EXPECT_TRUE(plugin_->set_update_interval(kSmall, 250));
+  EXPECT_TRUE(plugin_->refresh_gpus());
+  float value = 0;
+  EXPECT_TRUE(plugin_->get_power_limit(kLarge, &value));
+  EXPECT_EQ(value, 120.0f);
+  EXPECT_TRUE(plugin_->get_fan_speed(kLarge, 0, &value));
+  EXPECT_EQ(value, 70.0f);
+  EXPECT_EQ(plugin_->get_gpu(kSmall)->update_interval, 250u);
+}
+
+TEST_F(GpuMonitorModule, TerminateRestoresWhatWasSet) {
+  EXPECT_TRUE(plugin_->set_power_limit(kLarge, 120.0f));
+  EXPECT_TRUE(plugin_->set_update_interval(kSmall, 250));
+  EXPECT_TRUE(plugin_->terminate());
+  EXPECT_EQ(plugin_->get_num_gpus(), 0u);
+  EXPECT_EQ(plugin_->get_gpu(kLarge), nullptr);
+  EXPECT_TRUE(plugin_->initialize());
+  float value = 0;
+  EXPECT_TRUE(plugin_->get_power_limit(kLarge, &value));
+  EXPECT_EQ(value, 200.0f);
+  EXPECT_EQ(plugin_->get_gpu(kSmall)->update_interval, 1000u);
 }
 
 TEST_F(GpuMonitorModule, GpusPastTheLastAnswerNothing) {
