@@ -162,9 +162,10 @@ class MemoryAudio : public orv::test::Module<orv::Audio> {
     if (!rate_ || !format || format->bits_per_sample != 16) return 0;
     if (format->num_channels < 1 || format->num_channels > 2) return 0;
     if (format->sample_rate < 1 || format->sample_rate > 192000) return 0;
+    if (!is_between(format->volume, 0.0f, 1.0f)) return 0;
     Voice voice;
     voice.source = std::make_unique<Source>(format->num_channels, format->sample_rate);
-    voice.volume = std::clamp(format->volume, 0.0f, 1.0f);
+    voice.volume = format->volume;
     return voices_.add(std::move(voice));
   }
   bool destroy_voice(int voice) override { return voices_.remove(voice); }

@@ -90,6 +90,16 @@ TEST_F(AudioModule, DeviceIsOpenOnceAtMost) {
   EXPECT_TRUE(plugin_->close_device());
 }
 
+TEST_F(AudioModule, VoicesEndWithTheirDevice) {
+  const int first = play(mono_, {1000, 1000});
+  ASSERT_TRUE(plugin_->open_device(0, 44100, 2)) << "in place of the one before";
+  EXPECT_EQ(plugin_->get_voice_state(first), AUDIO_VOICE_NONE);
+  EXPECT_THAT(mix(2), Each(0));
+  const int second = play(mono_, {1000, 1000});
+  EXPECT_TRUE(plugin_->close_device());
+  EXPECT_EQ(plugin_->get_voice_state(second), AUDIO_VOICE_NONE);
+}
+
 TEST_F(AudioModule, NothingPlaysAsSilence) { EXPECT_THAT(mix(8), Each(0)); }
 
 TEST_F(AudioModule, VoicesAreMixed) {
@@ -236,6 +246,9 @@ TEST_F(AudioModule, WhatCannotBePlayedIsRefused) {
   AudioData odd;
   odd.bits_per_sample = 24;
   EXPECT_EQ(plugin_->create_voice(&odd), 0);
+  AudioData loud;
+  loud.volume = 1.5f;
+  EXPECT_EQ(plugin_->create_voice(&loud), 0);
   const int voice = plugin_->create_voice(&mono_);
   EXPECT_FALSE(plugin_->play_voice(voice, false)) << "no sound yet";
   EXPECT_FALSE(plugin_->set_voice_buffer(voice, nullptr));

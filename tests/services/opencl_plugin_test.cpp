@@ -167,6 +167,17 @@ TEST_F(OpenCLModule, KernelsAreFoundByName) {
   EXPECT_EQ(plugin_->create_kernel(context_, "add"), 0) << "no program";
 }
 
+TEST_F(OpenCLModule, KernelOutlivesItsProgram) {
+  const int program = plugin_->build_program(context_, kSource, nullptr);
+  const int kernel = plugin_->create_kernel(program, "fill");
+  const int out = make_buffer({9, 9});
+  EXPECT_TRUE(plugin_->release_object(program));
+  EXPECT_EQ(plugin_->create_kernel(program, "fill"), 0);
+  EXPECT_TRUE(plugin_->set_kernel_argument(kernel, 0, out, 0, nullptr));
+  EXPECT_TRUE(run(kernel, 2));
+  EXPECT_THAT(read<unsigned int>(out, 2), ElementsAre(0, 1));
+}
+
 TEST_F(OpenCLModule, ObjectsOfTwoContextsDoNotMix) {
   const int other = plugin_->create_context(0, 0, nullptr);
   const int foreign = plugin_->create_buffer(other, 16, DATA_ACCESS_READ_WRITE, nullptr);
