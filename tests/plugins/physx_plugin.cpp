@@ -80,7 +80,8 @@ class BallPhysics : public Module<PhysX>, private Simulation {
       const float wanted = (scene->left_over + scene->pending) / scene->fixed_step;
       const auto num_steps =
           static_cast<unsigned int>(std::min(wanted + 1e-4f, static_cast<float>(scene->max_steps)));
-      scene->left_over = std::max(0.0f, std::fmod(wanted + 1e-4f, 1.0f)) * scene->fixed_step;
+      scene->left_over =
+          std::max(0.0f, std::fmod(wanted + 1e-4f, 1.0f) - 1e-4f) * scene->fixed_step;
       for (unsigned int i = 0; i < num_steps; ++i) step(number, *scene, scene->fixed_step);
     }
     scene->pending = 0.0f;

@@ -1,4 +1,3 @@
-#include <orv/geometry/vertex.h>
 #include <orv/math/mat4.h>
 #include <orv/math/quat.h>
 #include <orv/services/physx.h>
@@ -9,63 +8,12 @@
 #include <limits>
 #include <vector>
 
-#include "services/loaded_module.h"
+#include "services/physx_module.h"
 
 namespace orv::test {
 namespace {
 
 using testing::ElementsAre;
-
-constexpr float kStep = 1.0f / 240.0f;
-const quat kUpright;
-
-class PhysXModule : public LoadedModule<PhysX> {
- protected:
-  PhysXModule() : LoadedModule("physx") {}
-
-  void SetUp() override {
-    LoadedModule::SetUp();
-    ASSERT_NE(plugin_, nullptr);
-    scene_ = plugin_->create_scene(vec3(0, -10, 0));
-    ASSERT_GT(scene_, 0);
-    ASSERT_TRUE(plugin_->set_fixed_step(scene_, kStep, 10000));
-  }
-
-  int add_ball(const vec3& position, float radius = 0.5f, float mass = 2.0f, int material = 0) {
-    const int body = plugin_->create_dynamic_body(scene_, position, kUpright, mass);
-    EXPECT_GT(body, 0);
-    const int shape = plugin_->create_sphere_shape(radius, material);
-    EXPECT_TRUE(plugin_->attach_shape(body, shape));
-    EXPECT_TRUE(plugin_->destroy_shape(shape)) << "the body keeps it";
-    return body;
-  }
-  int add_ground(int material = 0) {
-    const int body = plugin_->create_static_body(scene_, vec3(0, 0, 0), kUpright);
-    EXPECT_TRUE(plugin_->attach_shape(body, plugin_->create_plane_shape(material)));
-    return body;
-  }
-  void go_on(float seconds) {
-    EXPECT_TRUE(plugin_->simulate(scene_, seconds));
-    EXPECT_TRUE(plugin_->fetch_results(scene_, true));
-  }
-  vec3 place(int body) {
-    vec3 position;
-    EXPECT_TRUE(plugin_->get_body_pose(body, &position, nullptr));
-    return position;
-  }
-  vec3 velocity(int body) {
-    vec3 value;
-    EXPECT_TRUE(plugin_->get_linear_velocity(body, &value));
-    return value;
-  }
-  PhysXHit cast(const vec3& origin, const vec3& direction, float distance = 100.0f) {
-    PhysXHit hit;
-    if (!plugin_->ray_cast(scene_, origin, direction, distance, PhysX::ALL_GROUPS, &hit)) return {};
-    return hit;
-  }
-
-  int scene_ = 0;
-};
 
 // ---- falling and touching ----
 
@@ -100,6 +48,13 @@ TEST_F(PhysXModule, LeftOverTimeIsKept) {
   EXPECT_NEAR(velocity(ball).y, -10.0f * kStep, 1e-5f) << "one step";
 }
 
+TEST_F(PhysXModule, LeftOverTimeDoesNotDrift) {
+  EXPECT_TRUE(plugin_->set_fixed_step(scene_, 1.0f, 10));
+  const int ball = add_ball(vec3(0, 0, 0));
+  for (int i = 0; i < 4000; ++i) go_on(0.25f);
+  EXPECT_EQ(velocity(ball).y, -10000.0f) << "1000 steps of a second";
+}
+
 TEST_F(PhysXModule, StepsOfOneCallAreBounded) {
   const int ball = add_ball(vec3(0, 10, 0));
   EXPECT_TRUE(plugin_->set_fixed_step(scene_, kStep, 3));
@@ -113,8 +68,24 @@ TEST_F(PhysXModule, StepRunsBetweenTwoCalls) {
   EXPECT_FALSE(plugin_->simulate(scene_, 0.1f));
   EXPECT_FALSE(plugin_->destroy_scene(scene_));
   EXPECT_TRUE(plugin_->fetch_results(scene_, true));
+  EXPECT_FALSE(plugin_->fetch_results(scene_, true)) << "it was ended";
   EXPECT_FALSE(plugin_->simulate(scene_, 0.0f));
   EXPECT_FALSE(plugin_->simulate(scene_, std::numeric_limits<float>::quiet_NaN()));
+}
+
+TEST_F(PhysXModule, BodiesAreMadeAndEndedWhileAStepRuns) {
+  add_ground();
+  const int touching = add_ball(vec3(0, 0.4f, 0));
+  go_on(kStep);
+  EXPECT_TRUE(plugin_->simulate(scene_, kStep));
+  EXPECT_TRUE(plugin_->destroy_body(touching));
+  const int ball = add_ball(vec3(5, 5, 0));
+  EXPECT_TRUE(plugin_->set_linear_velocity(ball, vec3(1, 0, 0)));
+  EXPECT_TRUE(plugin_->fetch_results(scene_, true));
+  EXPECT_EQ(plugin_->get_num_bodies(scene_), 2u);
+  EXPECT_EQ(velocity(ball).x, 1.0f);
+  go_on(kStep);
+  EXPECT_EQ(plugin_->get_contacts(scene_, nullptr, 0), 0u);
 }
 
 TEST_F(PhysXModule, BallComesToRestOnTheGround) {
@@ -277,6 +248,21 @@ TEST_F(PhysXModule, PushBesideTheCentreTurns) {
   EXPECT_TRUE(plugin_->get_angular_velocity(ball, &turning));
   EXPECT_NEAR(turning.z, 2.5f * 57.29578f, 1e-2f) << "a torque of 1 about z";
   EXPECT_EQ(turning.x, 0.0f);
+}
+
+TEST_F(PhysXModule, TorqueTurnsByInertia) {
+  plugin_->set_gravity(scene_, vec3(0, 0, 0));
+  const int ball = add_ball(vec3(0, 0, 0), 0.5f, 4.0f);  // inertia 0.4
+  EXPECT_TRUE(plugin_->add_torque(ball, vec3(0, 0.8f, 0), PHYSX_IMPULSE));
+  EXPECT_TRUE(plugin_->add_torque(ball, vec3(30, 0, 0), PHYSX_VELOCITY_CHANGE));
+  EXPECT_TRUE(plugin_->add_torque(ball, vec3(0, 0, 240.0f * 45.0f), PHYSX_ACCELERATION));
+  go_on(kStep);
+  vec3 turning;
+  EXPECT_TRUE(plugin_->get_angular_velocity(ball, &turning));
+  EXPECT_NEAR(turning.y, 2.0f * 57.29578f, 1e-2f);
+  EXPECT_NEAR(turning.x, 30.0f, 1e-3f) << "degrees a second";
+  EXPECT_NEAR(turning.z, 45.0f, 1e-2f) << "degrees a second squared, in one step of 1 / 240";
+  EXPECT_EQ(velocity(ball), vec3(0, 0, 0));
 }
 
 TEST_F(PhysXModule, TurningIsToldInDegrees) {
@@ -485,125 +471,52 @@ TEST_F(PhysXModule, OverlapFindsEachBodyOnce) {
             2u);
 }
 
-// ---- cloth ----
+// ---- what it cannot do ----
 
-/// A square of cloth in the plane y = height, four by four metres, with 5 x 5 vertices.
-struct Sheet {
-  std::vector<Vertex_PhysXCloth> vertices;
-  std::vector<unsigned int> indices;
-
-  explicit Sheet(float height) {
-    for (int i = 0; i < 25; ++i) {
-      Vertex_PhysXCloth vertex;
-      vertex.position = vec4(static_cast<float>(i % 5), height, static_cast<float>(i / 5), 1.0f);
-      vertex.uv0 = vec2(0.25f, 0.75f);
-      vertices.push_back(vertex);
-    }
-    for (unsigned int i = 0; i < 20; ++i) {
-      if (i % 5 == 4) continue;
-      const unsigned int corners[] = {i, i + 5, i + 1, i + 1, i + 5, i + 6};
-      indices.insert(indices.end(), corners, corners + 6);
-    }
-  }
-  int create(PhysX& plugin, int scene) const {
-    return plugin.create_cloth(scene, vertices.data(), 25, indices.data(),
-                               static_cast<unsigned int>(indices.size() / 3));
-  }
-};
-
-TEST_F(PhysXModule, ClothHangsFromItsPins) {
-  Sheet sheet(10.0f);
-  for (unsigned int i = 0; i < 5; ++i) sheet.vertices[i].position.w = 0.0f;
-  const int cloth = sheet.create(*plugin_, scene_);
-  ASSERT_GT(cloth, 0);
-  EXPECT_TRUE(plugin_->set_cloth_damping(cloth, 1.0f));
-  go_on(6.0f);
-  ASSERT_TRUE(plugin_->read_cloth(cloth, sheet.vertices.data(), 25));
-  for (unsigned int i = 0; i < 5; ++i) {
-    const Vertex_PhysXCloth& pinned = sheet.vertices[i];
-    const Vertex_PhysXCloth& lowest = sheet.vertices[20 + i];
-    EXPECT_EQ(pinned.position, vec4(static_cast<float>(i), 10, 0, 1));
-    EXPECT_LT(lowest.position.y, 6.5f) << "it hangs down";
-    EXPECT_GT(lowest.position.y, 5.0f) << "and is hardly longer than it was";
-    EXPECT_EQ(lowest.uv0, vec2(0.25f, 0.75f)) << "left as it was";
-    EXPECT_NEAR(lowest.normal.length(), 1.0f, 1e-4f);
-    EXPECT_NEAR(lowest.tangent.length(), 1.0f, 1e-4f);
-  }
-}
-
-TEST_F(PhysXModule, ClothLiesOnABall) {
-  const Sheet sheet(2.0f);
-  const int cloth = sheet.create(*plugin_, scene_);
-  const int body = plugin_->create_static_body(scene_, vec3(2, 0, 2), kUpright);
-  plugin_->attach_shape(body, plugin_->create_sphere_shape(1.5f, 0));
-  EXPECT_TRUE(plugin_->set_cloth_collision(cloth, body, true));
-  go_on(0.5f);
-  std::vector<Vertex_PhysXCloth> vertices(25);
-  ASSERT_TRUE(plugin_->read_cloth(cloth, vertices.data(), 25));
-  for (const Vertex_PhysXCloth& vertex : vertices) {
-    const vec3 from_center(vertex.position.x - 2, vertex.position.y, vertex.position.z - 2);
-    EXPECT_GE(from_center.length(), 1.5f - 1e-3f);
-  }
-  EXPECT_NEAR(vertices[12].position.y, 1.5f, 0.05f) << "its middle on top";
-  EXPECT_LT(vertices[0].position.y, 1.4f) << "its corners beside";
-}
-
-TEST_F(PhysXModule, ClothVerticesArePinnedAndLetGo) {
-  const Sheet sheet(5.0f);
-  const int cloth = sheet.create(*plugin_, scene_);
-  const vec3 hook(0, 6, 0);
-  EXPECT_TRUE(plugin_->pin_cloth_vertex(cloth, 0, &hook));
-  EXPECT_FALSE(plugin_->pin_cloth_vertex(cloth, 25, &hook));
-  go_on(0.5f);
-  std::vector<Vertex_PhysXCloth> vertices(25);
-  plugin_->read_cloth(cloth, vertices.data(), 25);
-  EXPECT_EQ(vertices[0].position, vec4(0, 6, 0, 1));
-  EXPECT_TRUE(plugin_->pin_cloth_vertex(cloth, 0, nullptr));
-  go_on(0.5f);
-  plugin_->read_cloth(cloth, vertices.data(), 25);
-  EXPECT_LT(vertices[0].position.y, 5.9f);
-}
-
-TEST_F(PhysXModule, WindBlowsCloth) {
-  const Sheet sheet(5.0f);
-  const int cloth = sheet.create(*plugin_, scene_);
-  EXPECT_TRUE(plugin_->set_cloth_wind(cloth, vec3(0, 0, 4)));
-  EXPECT_TRUE(plugin_->set_cloth_stiffness(cloth, 1.0f, 0.0f));
-  EXPECT_FALSE(plugin_->set_cloth_stiffness(cloth, 1.5f, 0.0f));
-  go_on(1.0f);
-  std::vector<Vertex_PhysXCloth> vertices(25);
-  plugin_->read_cloth(cloth, vertices.data(), 25);
-  EXPECT_GT(vertices[12].position.z, 2.5f);
-}
-
-TEST_F(PhysXModule, ClothRefusesWrongArrays) {
-  Sheet sheet(5.0f);
-  EXPECT_EQ(plugin_->create_cloth(scene_, nullptr, 25, sheet.indices.data(), 2), 0);
-  EXPECT_EQ(plugin_->create_cloth(scene_, sheet.vertices.data(), 25, nullptr, 2), 0);
-  EXPECT_EQ(plugin_->create_cloth(999, sheet.vertices.data(), 25, sheet.indices.data(), 2), 0);
-  const int cloth = sheet.create(*plugin_, scene_);
-  EXPECT_FALSE(plugin_->read_cloth(cloth, sheet.vertices.data(), 24));
-  EXPECT_FALSE(plugin_->read_cloth(cloth, nullptr, 25));
-  sheet.indices[4] = 25;
-  EXPECT_EQ(sheet.create(*plugin_, scene_), 0) << "an index past the end";
-  EXPECT_TRUE(plugin_->destroy_cloth(cloth));
-  EXPECT_FALSE(plugin_->destroy_cloth(cloth));
-}
-
-// ---- what it cannot do, and the end ----
-
-TEST_F(PhysXModule, WhatItCannotDoIsRefused) {
-  const int ball = add_ball(vec3(0, 0, 0)), other = add_ball(vec3(5, 0, 0));
+TEST_F(PhysXModule, ShapesThatItLacksAreRefused) {
+  const vec3 corners[] = {vec3(0, 0, 0), vec3(1, 0, 0), vec3(0, 1, 0), vec3(0, 0, 1)};
+  const unsigned int indices[] = {0, 1, 2};
+  const float heights[] = {0, 0, 0, 0};
   EXPECT_EQ(plugin_->create_box_shape(vec3(1, 1, 1), 0), 0);
   EXPECT_EQ(plugin_->create_capsule_shape(1, 1, 0), 0);
-  EXPECT_EQ(plugin_->create_hinge_joint(ball, other, vec3(0, 0, 0), vec3(0, 1, 0)), 0);
+  EXPECT_EQ(plugin_->create_convex_shape(corners, 4, 0), 0);
+  EXPECT_EQ(plugin_->create_mesh_shape(corners, 4, indices, 1, 0), 0);
+  EXPECT_EQ(plugin_->create_height_field_shape(heights, 2, 2, vec3(1, 1, 1), 0), 0);
+}
+
+TEST_F(PhysXModule, JointsThatItLacksAreRefused) {
+  const int ball = add_ball(vec3(0, 0, 0)), other = add_ball(vec3(5, 0, 0));
+  const vec3 zero, up(0, 1, 0);
+  EXPECT_EQ(plugin_->create_fixed_joint(ball, other), 0);
+  EXPECT_EQ(plugin_->create_hinge_joint(ball, other, zero, up), 0);
+  EXPECT_EQ(plugin_->create_slider_joint(ball, other, up), 0);
+  EXPECT_EQ(plugin_->create_ball_joint(ball, other, zero), 0);
+  const int rope = plugin_->create_distance_joint(ball, other, zero, zero, 0, 9);
+  EXPECT_FALSE(plugin_->set_joint_motor(rope, 1, 1)) << "no hinge and no slider";
+  EXPECT_FALSE(plugin_->set_joint_break_force(rope, 1, 0)) << "its ropes never break";
+  EXPECT_TRUE(plugin_->set_joint_break_force(rope, 0, 0));
+}
+
+TEST_F(PhysXModule, VehiclesAndCharactersAreRefused) {
+  const int ball = add_ball(vec3(0, 0, 0));
   const PhysXWheel wheels[4];
+  vec3 position(1, 2, 3);
+  quat rotation;
+  unsigned int touches = 77;
   EXPECT_EQ(plugin_->create_vehicle(ball, wheels, 4), 0);
-  EXPECT_FALSE(plugin_->drive_vehicle(1, 1, 0, 0));
+  EXPECT_FALSE(plugin_->drive_vehicle(ball, 1, 0, 0));
+  EXPECT_FALSE(plugin_->get_wheel_pose(ball, 0, &position, &rotation));
+  EXPECT_FALSE(plugin_->destroy_vehicle(ball));
   EXPECT_EQ(plugin_->create_character(scene_, vec3(0, 0, 0), 0.5f, 1.8f), 0);
+  EXPECT_FALSE(plugin_->move_character(ball, vec3(1, 0, 0), 0.1f, &touches));
+  EXPECT_FALSE(plugin_->set_character_position(ball, vec3(0, 0, 0)));
+  EXPECT_FALSE(plugin_->get_character_position(ball, &position));
+  EXPECT_FALSE(plugin_->destroy_character(ball));
+  EXPECT_EQ(position, vec3(1, 2, 3));
+  EXPECT_EQ(touches, 77u);
   EXPECT_FALSE(plugin_->set_continuous_collision(ball, true));
   EXPECT_FALSE(plugin_->is_body_sleeping(ball));
-  EXPECT_EQ(plugin_->get_num_bodies(scene_), 2u);
+  EXPECT_EQ(plugin_->get_num_bodies(scene_), 1u);
 }
 
 TEST_F(PhysXModule, UnknownNumbersDoNothing) {
@@ -622,20 +535,6 @@ TEST_F(PhysXModule, UnknownNumbersDoNothing) {
   EXPECT_EQ(plugin_->create_sphere_shape(-1.0f, 0), 0);
   EXPECT_EQ(plugin_->create_sphere_shape(1.0f, 999), 0) << "no such material";
   EXPECT_FALSE(plugin_->attach_shape(ball, plugin_->create_plane_shape(0))) << "it would fall";
-}
-
-TEST_F(PhysXModule, SceneEndsWithAllThatItOwns) {
-  const int other = plugin_->create_scene(vec3(0, 0, 0));
-  const int kept = plugin_->create_static_body(other, vec3(0, 0, 0), kUpright);
-  const int ball = add_ball(vec3(0, 0, 0));
-  const int cloth = Sheet(5.0f).create(*plugin_, scene_);
-  const int material = plugin_->create_material(1, 1, 0);
-  EXPECT_TRUE(plugin_->destroy_scene(scene_));
-  EXPECT_FALSE(plugin_->destroy_scene(scene_));
-  EXPECT_FALSE(plugin_->wake_body(ball));
-  EXPECT_FALSE(plugin_->destroy_cloth(cloth));
-  EXPECT_TRUE(plugin_->destroy_material(material)) << "materials belong to the plugin";
-  EXPECT_TRUE(plugin_->get_body_pose(kept, nullptr, nullptr));
 }
 
 }  // namespace
