@@ -211,6 +211,9 @@ TEST_F(FreeTypeGLModule, NewCharactersReachTheAtlasOnTheGpu) {
   EXPECT_TRUE(plugin_->draw_text(&renderer, font_, 0, 0, "ba"));
   EXPECT_THAT(renderer.calls(), Contains("texture_bind(atlas, 0)"));
   EXPECT_EQ(renderer.count("texture_update_2d"), 0) << "nothing new";
+  EXPECT_TRUE(plugin_->cache_glyphs(font_, "c"));
+  EXPECT_TRUE(plugin_->upload_atlas(&renderer, font_));
+  EXPECT_EQ(renderer.count("texture_update_2d"), 1);
   EXPECT_TRUE(plugin_->free_face(&renderer, font_));
 }
 

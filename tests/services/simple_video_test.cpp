@@ -255,7 +255,7 @@ TEST_F(SimpleVideoModule, SoundBeginsAgainWithThePictures) {
   EXPECT_EQ(plugin_->read_sound(video_, &sound, 1000, 9), 0u);
   sound.kill_audio_frames();
   EXPECT_TRUE(plugin_->decode_next_frame(video_));
-  EXPECT_EQ(plugin_->read_sound(video_, &sound, 1000, 1), 1u);
+  ASSERT_EQ(plugin_->read_sound(video_, &sound, 1000, 1), 1u);
   AudioFrame* frame = sound.pop_audio_frame();
   EXPECT_EQ(sample(*frame, 1), 1);
   sound.del_audio_frame(frame);

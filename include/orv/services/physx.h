@@ -306,8 +306,9 @@ class ORV_API PhysX : public Plugin {
   // ---- characters ----
 
   /// Makes a character, an upright capsule that a host moves by hand and that slides along what it
-  /// meets. Rays, bodies and triggers meet it as a kinematic body of group 0 that is not among those
-  /// of the scene: in hits, contacts and events its number stands for the body, and 0 for its shape.
+  /// meets. Rays, bodies and triggers meet it as a kinematic body of group 0 that is not among
+  /// those of the scene: in hits, contacts and events its number stands for the body, and 0 for its
+  /// shape.
   /// @param position  of its feet
   /// @param radius    metres, above 0
   /// @param height    metres from feet to head, at least twice the radius
