@@ -141,6 +141,9 @@ class ProcessorCL : public orv::test::Module<orv::OpenCLPlugin> {
   int create_buffer(int context, unsigned long long size, orv::DATA_ACCESS_TYPE access,
                     const void* initial) override {
     if (!contexts_.find(context) || size == 0 || size > kMemorySize / 4) return 0;
+    unsigned long long taken = 0;
+    buffers_.for_each([&](int, const Buffer& buffer) { taken += buffer.bytes.size(); });
+    if (size > kMemorySize - taken) return 0;
     Buffer buffer{context, access, std::vector<unsigned char>(size)};
     if (initial) std::memcpy(buffer.bytes.data(), initial, size);
     return buffers_.add(std::move(buffer));

@@ -106,6 +106,22 @@ TEST_F(OpenCLModule, RangesPastTheEndAreRefused) {
   EXPECT_EQ(plugin_->create_buffer(context_, 1ull << 40, DATA_ACCESS_READ_WRITE, nullptr), 0);
 }
 
+TEST_F(OpenCLModule, BuffersShareTheMemory) {
+  OpenCLDeviceInfo info;
+  ASSERT_TRUE(plugin_->get_device_info(0, 0, &info));
+  const auto make = [&] {
+    return plugin_->create_buffer(context_, info.max_buffer_size, DATA_ACCESS_READ_WRITE, nullptr);
+  };
+  int last = 0;
+  for (auto left = info.memory_size; left >= info.max_buffer_size; left -= info.max_buffer_size) {
+    last = make();
+    EXPECT_GT(last, 0);
+  }
+  EXPECT_EQ(make(), 0) << "all of it is taken";
+  EXPECT_TRUE(plugin_->release_object(last));
+  EXPECT_GT(make(), last) << "a new number";
+}
+
 TEST_F(OpenCLModule, KernelAddsBuffers) {
   const int kernel = make_kernel("add");
   const int a = make_buffer({1, 2, 3}), b = make_buffer({10, 20, 30}), out = make_buffer({0, 0, 0});
