@@ -12,6 +12,8 @@
 #include <pthread.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
 
 #include <chrono>
 #include <cstring>
@@ -158,6 +160,28 @@ TEST(SocketCore, SignalsDoNotEndConnecting) {
   const Held taken(core.accept_connection(server.get()));
   waiting.join();
   EXPECT_TRUE(connected);
+}
+
+// Nobody accepts here, and the system itself would try for minutes.
+TEST(SocketCore, SignalsDoNotLiftALimitToConnecting) {
+  SocketCore core;
+  const Held server(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
+  SockAddr any;
+  ASSERT_TRUE(core.bind_socket(server.get(), &any));
+  ASSERT_TRUE(core.listen_socket(server.get(), 0));
+  const unsigned short port = server->local.port;
+  const Held first(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
+  const Held second(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
+  ASSERT_TRUE(core.connect_socket(first.get(), "127.0.0.1", port));
+  const timeval limit{0, 200'000};
+  ASSERT_EQ(setsockopt(second->handle, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)), 0);
+  bool connected = true;
+  const auto begin = std::chrono::steady_clock::now();
+  std::thread waiting([&] { connected = core.connect_socket(second.get(), "127.0.0.1", port); });
+  interrupt(waiting);
+  waiting.join();
+  EXPECT_FALSE(connected);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
 }
 
 // ---- datagrams ---------------------------------------------------------------------------------

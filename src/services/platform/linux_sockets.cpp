@@ -45,12 +45,18 @@ const sockaddr* plain(const sockaddr_in* address) {
   return reinterpret_cast<const sockaddr*>(address);
 }
 
-/// A connection goes on being made when a signal interrupts the call.
+/// A connection goes on being made when a signal interrupts the call; so does a limit to its time.
 bool finish_connect(int handle) {
+  timeval limit{};
+  socklen_t size = sizeof(limit);
+  getsockopt(handle, SOL_SOCKET, SO_SNDTIMEO, &limit, &size);
+  const auto milliseconds = static_cast<int>(limit.tv_sec * 1000 + limit.tv_usec / 1000);
   pollfd wait{handle, POLLOUT, 0};
-  if (uninterrupted([&] { return poll(&wait, 1, -1); }) < 0) return false;
+  if (uninterrupted([&] { return poll(&wait, 1, milliseconds > 0 ? milliseconds : -1); }) <= 0) {
+    return false;
+  }
   int error = 0;
-  socklen_t size = sizeof(error);
+  size = sizeof(error);
   return getsockopt(handle, SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
 }
 
