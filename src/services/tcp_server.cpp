@@ -33,9 +33,11 @@ void end_message(SocketCore* core, TcpServerClientThreadParams* params) {
   delete params;
 }
 
-void call_client_proc(SocketCore* core, const TcpServerClientThreadParams& params) {
-  if (!params.client_proc) return;
-  params.client_proc(core, params.client_socket, params.data, params.size, params.user_data);
+void answer(SocketCore* core, TcpServerClientThreadParams* params) {
+  if (params->client_proc) {
+    params->client_proc(core, params->client_socket, params->data, params->size, params->user_data);
+  }
+  end_message(core, params);
 }
 
 /// Whether the caller leads it.
@@ -43,9 +45,28 @@ bool is_own(const Conversation& conversation) {
   return conversation.thread.get_id() == std::this_thread::get_id();
 }
 
-void report_no_thread(const std::system_error& error) {
-  LogMgr::get().tracef_debug("ORV::TcpServer::run() - unable to start a client thread: %s.",
-                             error.what());
+/// The thread of a client: a conversation of `data`, or one message when that is null.
+void serve(const std::shared_ptr<TcpServerData>& data, const std::shared_ptr<SocketCore>& core,
+           TcpServerClientThreadParams* params) {
+  params->thread = Thread().get_thread_handle();
+  if (data) {
+    data->lead_conversation(core.get(), params);
+  } else {
+    answer(core.get(), params);
+  }
+}
+
+/// serve() on a thread. False, with a line in the log, when none can be had.
+bool start_thread(std::thread* thread, const std::shared_ptr<TcpServerData>& data,
+                  const std::shared_ptr<SocketCore>& core, TcpServerClientThreadParams* params) {
+  try {
+    *thread = std::thread(&serve, data, core, params);
+    return true;
+  } catch (const std::system_error& error) {
+    LogMgr::get().tracef_debug("ORV::TcpServer::run() - unable to start a client thread: %s.",
+                               error.what());
+    return false;
+  }
 }
 
 }  // namespace
@@ -74,20 +95,22 @@ std::shared_ptr<SocketCore> TcpServerData::get_core() {
 int TcpServerData::request_stop() {
   const Guard guard(mutex);
   stop_requested = true;
-  if (awaited.socket) awaited.core->shutdown_socket(awaited.socket);
+  if (awaited) awaiting->shutdown_socket(awaited);
   return server.socket ? server.socket->local.port : -1;
 }
 
-bool TcpServerData::init() {
+std::shared_ptr<SocketCore> TcpServerData::init() {
   std::shared_ptr<SocketCore> started;
   {
     const Guard guard(mutex);
-    if (!core) core = std::make_shared<SocketCore>();
+    if (!core) core.reset(new SocketCore);
     started = core;
   }
-  if (started->start()) return true;
-  LogMgr::get().tracef_error("ORV::TcpServer::run() - unable to start the socket core.");
-  return false;
+  if (!started->start()) {
+    LogMgr::get().tracef_error("ORV::TcpServer::run() - unable to start the socket core.");
+    started.reset();
+  }
+  return started;
 }
 
 bool TcpServerData::open_port(unsigned short port, OpenSocket* opened) {
@@ -95,10 +118,11 @@ bool TcpServerData::open_port(unsigned short port, OpenSocket* opened) {
   {
     // What the last loop left is no loop's any more: a stop must not take it for this one.
     const Guard guard(mutex);
-    if (server.socket) left_open.push_back(std::exchange(server, OpenSocket()));
+    if (server.socket) keep(server);
+    server = OpenSocket();
   }
-  if (!get_core() && !init()) return false;
   opened->core = get_core();
+  if (!opened->core) opened->core = init();
   if (!opened->core) return false;
   opened->socket = opened->core->create_tcp_server_socket(port);
   if (!opened->socket) {
@@ -134,9 +158,11 @@ Socket* TcpServerData::accept(const OpenSocket& opened) {
   return nullptr;
 }
 
-void TcpServerData::leave_open(const std::shared_ptr<SocketCore>& owner, Socket* socket) {
+void TcpServerData::keep(const OpenSocket& open) { left_open.push_back(open); }
+
+void TcpServerData::leave_open(const OpenSocket& opened, Socket* client) {
   const Guard guard(mutex);
-  left_open.push_back({owner, socket});
+  keep({opened.core, client});
 }
 
 // ---- one message a connection ------------------------------------------------------------------
@@ -144,20 +170,21 @@ void TcpServerData::leave_open(const std::shared_ptr<SocketCore>& owner, Socket*
 int TcpServerData::wait_for_message(const OpenSocket& opened, Socket* client) {
   {
     const Guard guard(mutex);
-    awaited = {opened.core, client};
+    awaiting = opened.core.get();  // which the loop holds
+    awaited = client;
     // Bytes that are there already can be read all the same.
     if (stop_requested) opened.core->shutdown_socket(client);
   }
   const int pending = opened.core->receive_socket_get_data_len(client);
   const Guard guard(mutex);
-  awaited = OpenSocket();
+  awaited = nullptr;
   return std::min(pending, kMaxMessage);
 }
 
 bool TcpServerData::take_message(const OpenSocket& opened, Socket* client) {
   const int length = wait_for_message(opened, client);
   if (length <= 0) {
-    leave_open(opened.core, client);
+    leave_open(opened, client);
     return false;
   }
   auto* params = new TcpServerClientThreadParams;
@@ -194,23 +221,17 @@ bool TcpServerData::take_message(const OpenSocket& opened, Socket* client) {
 
 void TcpServerData::answer_message(const OpenSocket& opened, TcpServerClientThreadParams* params,
                                    bool own_thread) {
-  const std::shared_ptr<SocketCore> shared = opened.core;
   if (!own_thread) {
-    call_client_proc(shared.get(), *params);
-    end_message(shared.get(), params);
+    answer(opened.core.get(), params);
     return;
   }
-  try {
-    std::thread([shared, params] {
-      params->thread = Thread().get_thread_handle();
-      call_client_proc(shared.get(), *params);
-      end_message(shared.get(), params);
-    }).detach();
-  } catch (const std::system_error& error) {
-    report_no_thread(error);
-    leave_open(shared, std::exchange(params->client_socket, nullptr));
-    end_message(shared.get(), params);
+  std::thread thread;
+  if (start_thread(&thread, nullptr, opened.core, params)) {
+    thread.detach();
+    return;
   }
+  leave_open(opened, std::exchange(params->client_socket, nullptr));
+  end_message(opened.core.get(), params);
 }
 
 // ---- a thread a connection ---------------------------------------------------------------------
@@ -241,38 +262,33 @@ TcpServerClientThreadParams* TcpServerData::make_conversation(const OpenSocket& 
   return params;
 }
 
-bool TcpServerData::begin_conversation(const OpenSocket& opened, Socket* client, TcpServer* owner) {
+bool TcpServerData::begin_conversation(const std::shared_ptr<TcpServerData>& self_held,
+                                       const OpenSocket& opened, Socket* client, TcpServer* owner) {
   const Guard guard(mutex);
   Conversation* const end = conversations + kMaxConversations;
   Conversation* const place =
       std::find_if(conversations, end, [](const Conversation& c) { return !c.params; });
   if (!threaded || place == end) {
-    left_open.push_back({opened.core, client});
+    keep({opened.core, client});
     return !threaded;
   }
   place->params = make_conversation(opened, client, owner);
   place->core = opened.core;
-  try {
-    place->thread = std::thread(&TcpServerData::lead_conversation, shared_from_this(),
-                                place->params, place->core);
-  } catch (const std::system_error& error) {
-    report_no_thread(error);  // the place is taken and cleaned up all the same
-  }
+  // Without a thread the place is taken, and cleaned up, all the same.
+  start_thread(&place->thread, self_held, opened.core, place->params);
   return true;
 }
 
-void TcpServerData::lead_conversation(TcpServerClientThreadParams* params,
-                                      const std::shared_ptr<SocketCore>& shared) {
+void TcpServerData::lead_conversation(SocketCore* leading, TcpServerClientThreadParams* params) {
   Socket* const client = params->client_socket;
-  params->thread = Thread().get_thread_handle();
   if (params->client_proc_v2) {
-    params->client_proc_v2(shared.get(), client, params, params->user_data);
+    params->client_proc_v2(leading, client, params, params->user_data);
   }
   {
     const Guard guard(mutex);
     params->client_socket = nullptr;
   }
-  shared->kill_socket(client);
+  leading->kill_socket(client);
 }
 
 void TcpServerData::end_conversation(Conversation& conversation) {
@@ -300,7 +316,7 @@ TcpServer::TcpServer() {
 
 TcpServer::~TcpServer() { const std::shared_ptr<TcpServerData> last = std::move(data_->self); }
 
-bool TcpServer::init() { return data_->init(); }
+bool TcpServer::init() { return data_->init() != nullptr; }
 
 void TcpServer::set_socket_core(SocketCore* core) {
   std::shared_ptr<SocketCore> other;
@@ -330,10 +346,10 @@ int TcpServer::run_v2(unsigned short port) {
   for (;;) {
     Socket* client = data->accept(opened);
     if (data->stop_requested) {
-      if (client) data->leave_open(opened.core, client);
+      if (client) data->leave_open(opened, client);
       return 0;
     }
-    if (client && !data->begin_conversation(opened, client, this)) {
+    if (client && !data->begin_conversation(data, opened, client, this)) {
       LogMgr::get().tracef_error(
           "ORV::TcpServer::run() - unable to handle new TCP connection: max client threads (%d) "
           "reached.",

@@ -26,7 +26,7 @@ struct Conversation {
 
 /// What a TcpServer works with. Loops and client threads hold it, too, so that it outlives a server
 /// that is destroyed under them.
-struct TcpServerData : std::enable_shared_from_this<TcpServerData> {
+struct TcpServerData {
   static constexpr int kMaxConversations = 128;
 
   TcpServerData();
@@ -34,7 +34,9 @@ struct TcpServerData : std::enable_shared_from_this<TcpServerData> {
 
   // ---- sockets ----
   std::shared_ptr<SocketCore> get_core();
-  bool init();
+  /// Starts the core, which it makes when there is none. Null, with a line in the log, when it
+  /// does not start.
+  std::shared_ptr<SocketCore> init();
   /// Opens the port for a loop. False, with a line in the log, when it cannot be had.
   bool open_port(unsigned short port, OpenSocket* opened);
   /// After the stop message.
@@ -43,8 +45,10 @@ struct TcpServerData : std::enable_shared_from_this<TcpServerData> {
   Socket* accept(const OpenSocket& opened);
   /// Asks the loop to end. Its port, or -1 when there is none.
   int request_stop();
-  /// Keeps a socket that stays open.
-  void leave_open(const std::shared_ptr<SocketCore>& core, Socket* socket);
+  /// Keeps a socket that stays open. The lock is held by the caller.
+  void keep(const OpenSocket& open);
+  /// keep() for a client of a loop, with the lock taken here.
+  void leave_open(const OpenSocket& opened, Socket* client);
 
   // ---- run() ----
   /// True for the stop message.
@@ -56,10 +60,11 @@ struct TcpServerData : std::enable_shared_from_this<TcpServerData> {
   // ---- run_v2() ----
   TcpServerClientThreadParams* make_conversation(const OpenSocket& opened, Socket* client,
                                                  TcpServer* owner) const;
-  /// False when all places are taken.
-  bool begin_conversation(const OpenSocket& opened, Socket* client, TcpServer* owner);
-  void lead_conversation(TcpServerClientThreadParams* params,
-                         const std::shared_ptr<SocketCore>& core);
+  /// False when all places are taken. `self_held` is this, for the thread to hold.
+  bool begin_conversation(const std::shared_ptr<TcpServerData>& self_held, const OpenSocket& opened,
+                          Socket* client, TcpServer* owner);
+  /// On the client's thread.
+  void lead_conversation(SocketCore* leading, TcpServerClientThreadParams* params);
   /// Waits for its thread and makes the place free, unless the thread is the caller's.
   void end_conversation(Conversation& conversation);
   /// Wakes those who read or write. The lock is held by the caller.
@@ -75,7 +80,8 @@ struct TcpServerData : std::enable_shared_from_this<TcpServerData> {
   std::mutex mutex;  // guards what follows
   std::shared_ptr<SocketCore> core;
   OpenSocket server;
-  OpenSocket awaited;  // client whose message run() waits for
+  Socket* awaited = nullptr;       // client whose message run() waits for
+  SocketCore* awaiting = nullptr;  // what it waits with
   Conversation conversations[kMaxConversations];
   std::vector<OpenSocket> left_open;
   char stop_message[128] = "STOP_ORV_TCP_SERVER";
