@@ -204,7 +204,8 @@ TEST(TcpLoad, FiftyRoundsOfCleanUpLeaveTheDescribedSocketsAlone) {
     const long left = after.descriptors - before.descriptors;
     EXPECT_GE(left, rounds);
     EXPECT_LE(left, rounds * 2);
-    EXPECT_LE(after.threads, before.threads);
+    // The system lists a thread for a moment after it was waited for.
+    EXPECT_TRUE(wait_until([&] { return count_own("task") <= before.threads; }));
 #ifndef ORV_TEST_SANITIZED_ALLOCATION
     // A record for each open socket, its place in a list, and what the allocator's threads keep.
     EXPECT_LT(after.bytes - before.bytes, left * static_cast<long>(sizeof(Socket) + 64) + 65'536);
@@ -341,7 +342,8 @@ TEST(TcpLoad, MisbehavingClientsCostNobodyElseAMessage) {
   std::vector<std::thread> bad;
   for (const auto manner : manners) {
     bad.emplace_back([&, manner] {
-      while (!enough) {
+      // Silent and resetting ones leave a descriptor each time, and there may be 1,024 in all.
+      for (int visit = 0; visit < 150 && !enough; ++visit) {
         TcpClient client;
         client.set_limit(1000);
         if (client.connect(port)) manner(client);

@@ -52,7 +52,24 @@ TEST(TcpServer, StartsIdle) {
   }
 }
 
-TEST(TcpServer, InitMakesACoreOnce) {
+TEST(TcpServer, RecordsOfClientThreadsStartEmpty) {
+  const TcpServerClientThreadParams params;
+  EXPECT_EQ(params.server, nullptr);
+  EXPECT_EQ(params.core, nullptr);
+  EXPECT_EQ(params.server_socket, nullptr);
+  EXPECT_EQ(params.port, 0);
+  EXPECT_EQ(params.flags[0] | params.flags[1], 0);
+  EXPECT_EQ(params.reserved, 0u);
+  EXPECT_EQ(params.thread, 0u);
+  EXPECT_EQ(params.client_socket, nullptr);
+  EXPECT_EQ(params.client_proc, nullptr);
+  EXPECT_EQ(params.client_proc_v2, nullptr);
+  EXPECT_EQ(params.user_data, nullptr);
+  EXPECT_EQ(params.size, 0);
+  EXPECT_EQ(params.data, nullptr);
+}
+
+TEST(TcpServer, InitMakesACoreOnceAndStartsItEachTime) {
   TcpServer server;
   EXPECT_TRUE(server.init());
   SocketCore* core = server.get_socket_core();
@@ -60,6 +77,8 @@ TEST(TcpServer, InitMakesACoreOnce) {
   EXPECT_TRUE(server.init());
   EXPECT_EQ(server.get_socket_core(), core);
   EXPECT_TRUE(core->stop()) << "started";
+  EXPECT_TRUE(server.init());
+  EXPECT_TRUE(core->stop()) << "started again";
 }
 
 TEST(TcpServer, WithoutACoreOnlyStopIsTrue) {
@@ -313,6 +332,7 @@ TEST(TcpServer, TheStopMessageEndsRunAndClosesThePort) {
   EXPECT_FALSE(server.is_running());
   EXPECT_EQ(server.get_server_socket(), nullptr);
   EXPECT_FALSE(TcpClient().connect(run.port()));
+  EXPECT_FALSE(server.send_stop_message()) << "no port to connect to";
   EXPECT_THAT(inbox.texts(), IsEmpty());
   EXPECT_THAT(log.lines(), Contains("ORV::TcpServer::run() - received stop message. Exit from tcp "
                                     "svr loop."));
@@ -385,6 +405,8 @@ TEST(TcpServer, APortIsToBeHadAgainAfterClosingItsSocket) {
   EXPECT_EQ(run.stop(), 0);
   const auto port = static_cast<unsigned short>(run.port());
   EXPECT_EQ(server.run(port), 0) << "in use";
+  EXPECT_FALSE(server.is_running());
+  EXPECT_EQ(server.get_server_socket(), nullptr) << "that of the failed loop";
   ServerRun again(server, &TcpServer::run);
   EXPECT_EQ(again.stop(), 0);
   const auto port_again = static_cast<unsigned short>(again.port());
