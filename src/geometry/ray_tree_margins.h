@@ -60,7 +60,8 @@ struct TriangleShape {
     min = q2 < min ? q2 : min;
     max = q1 > q0 ? q1 : q0;
     max = q2 > max ? q2 : max;
-    const lanes::float4 sum = (q0 - q0) + (q1 - q1) + (q2 - q2);
+    const lanes::float4 zero = lanes::splat(0.0f);
+    const lanes::float4 sum = q0 * zero + q1 * zero + q2 * zero;
     if (!(sum[0] + sum[1] + sum[2] == 0.0f)) return;
     for (int axis = 0; axis < 3; ++axis) {
       if (!(min[axis] >= -MAX_COORDINATE && max[axis] <= MAX_COORDINATE)) return;
