@@ -61,7 +61,8 @@ class NvgGlTest : public ::testing::TestWithParam<GlContext::Profile> {
     int count = 0;
     for (int y = y0; y < y1; ++y) {
       for (int x = x0; x < x1; ++x) {
-        const unsigned char* pixel = &pixels[std::size_t{4} * SIZE * (SIZE - 1 - y) + 4 * x];
+        const int at = 4 * (SIZE * (SIZE - 1 - y) + x);
+        const unsigned char* pixel = &pixels[static_cast<std::size_t>(at)];
         count += pixel[0] + pixel[1] + pixel[2] > 24;
       }
     }

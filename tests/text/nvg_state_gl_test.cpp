@@ -76,6 +76,7 @@ constexpr Name NAMES[] = {
 using State = std::map<std::string, std::vector<int>>;
 
 /// What must be off for the picture to be right.
+constexpr GLenum TESTS[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_STENCIL_TEST};
 constexpr GLenum SPOILERS[] = {
     GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP, GL_RASTERIZER_DISCARD,
     GL_POLYGON_SMOOTH,           GL_CLIP_DISTANCE0,  GL_CLIP_DISTANCE3};
@@ -179,9 +180,7 @@ class NvgState : public NvgGlTest {
   }
   void make_state_usual() {
     for (const GLenum name : SPOILERS) core.glDisable(name);
-    for (const GLenum name : {GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_STENCIL_TEST}) {
-      core.glDisable(name);
-    }
+    for (const GLenum name : TESTS) core.glDisable(name);
     if (!renderer.is_core_context()) {
       core.glDisable(GL_ALPHA_TEST);
       core.glDisable(GL_POLYGON_STIPPLE);

@@ -63,7 +63,7 @@ Charset charset_of_everything() {
     const auto add = [n](int k) { return static_cast<unsigned short>(n + k); };
     charset.chars[i] = {n, add(1), add(2), add(3), add(4), add(5), add(6), 0};
   }
-  charset.chars['n'].xoffset = 65535;
+  charset.chars[std::size_t{'n'}].xoffset = 65535;
   return charset;
 }
 

@@ -30,7 +30,7 @@ class PictureFiles {
     for (const int side : {width, height}) file += {static_cast<char>(side), 0};
     file += {24, 0x20};
     for (const Rgb& pixel : pixels) {
-      for (const std::size_t channel : {2, 1, 0}) file += static_cast<char>(pixel[channel]);
+      for (const std::size_t channel : {2u, 1u, 0u}) file += static_cast<char>(pixel[channel]);
     }
     return folder_.write(name, file);
   }

@@ -61,7 +61,10 @@ class ServerLossTrap {
     return one;
   }
   // Other threads have connections of their own.
-  static int handle(Display* display) { return inside_ || !old_ ? 0 : old_(display); }
+  static int handle(Display* display) {
+    const XIOErrorHandler old = old_.load();
+    return inside_ || !old ? 0 : old(display);
+  }
 
   static inline thread_local bool inside_ = false;
   static inline std::atomic<XIOErrorHandler> old_{nullptr};
