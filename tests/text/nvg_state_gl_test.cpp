@@ -75,8 +75,9 @@ constexpr Name NAMES[] = {
 
 using State = std::map<std::string, std::vector<int>>;
 
-/// What must be off for the picture to be right.
+/// What is off when nobody draws.
 constexpr GLenum TESTS[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_STENCIL_TEST};
+/// What must be off for the picture to be right.
 constexpr GLenum SPOILERS[] = {
     GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_COLOR_LOGIC_OP, GL_RASTERIZER_DISCARD,
     GL_POLYGON_SMOOTH,           GL_CLIP_DISTANCE0,  GL_CLIP_DISTANCE3};
