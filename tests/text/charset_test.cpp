@@ -86,7 +86,8 @@ void expect_facts(const std::string& path, const Facts& facts) {
   EXPECT_EQ(charset->scale_h, facts.scale_h);
   for (const int value : charset->padding) EXPECT_EQ(value, facts.padding);
   for (const int value : charset->spacing) EXPECT_EQ(value, facts.spacing);
-  EXPECT_EQ(std::memcmp(&charset->chars[std::size_t{'A'}], &facts.upper_a, sizeof(CharsetChar)), 0) << path;
+  EXPECT_EQ(std::memcmp(&charset->chars[std::size_t{'A'}], &facts.upper_a, sizeof(CharsetChar)), 0)
+      << path;
 }
 
 constexpr const char* SMALL =

@@ -139,8 +139,8 @@ class ORV_API FreeTypeGLPluginInterface : public Plugin {
   /// @return false, with pen and queue as they were, when the atlas is full
   virtual bool add_text(Font* font, vec2* pen, const char* text) = 0;
   /// Draws the queue with the font's absolute transform and keeps it. The atlas is uploaded and
-  /// bound at unit 0; program and blending are the host's. True for an empty queue. False for a null
-  /// renderer and before start().
+  /// bound at unit 0; program and blending are the host's. True for an empty queue. False for a
+  /// null renderer and before start().
   virtual bool render_text(Renderer* renderer, Font* font) = 0;
   /// Draws one text that begins at a point, beside the queue, as render_text() does.
   virtual bool draw_text(Renderer* renderer, Font* font, float x, float y, const char* text) = 0;

@@ -121,9 +121,9 @@ class ORV_API SimpleVideo : public Plugin {
   /// size or format is another.
   virtual bool get_frame_image(int video, Image* image) = 0;
   /// Copies the present picture into a texture, which becomes a plain one of its size and format,
-  /// and brings it to the GPU at unit 0, also when an earlier picture is there. With a null renderer
-  /// that happens when the texture is bound; false then for one that is on the GPU with another
-  /// size or format.
+  /// and brings it to the GPU at unit 0, also when an earlier picture is there. With a null
+  /// renderer that happens when the texture is bound; false then for one that is on the GPU with
+  /// another size or format.
   virtual bool get_frame_texture(int video, Renderer* renderer, Texture* texture) = 0;
 
   // ---- sound ----
