@@ -1,5 +1,6 @@
 #include <orv/core/log.h>
 
+#include "core/lock_guard.h"
 #include "core/log_data.h"
 
 #include <cstdarg>
@@ -20,21 +21,8 @@ const char* tag_of(const Tags& tags, LOG_LEVEL level) {
   return level >= LOG_LEVEL_ERROR && level <= LOG_LEVEL_DEBUG ? tags[level] : "";
 }
 
-/// Holds the log's lock while it lives, when the log uses it.
-class Guard {
- public:
-  explicit Guard(LogData& data) : lock_(data.use_thread_lock ? &data.lock : nullptr) {
-    if (lock_) lock_->acquire();
-  }
-  ~Guard() {
-    if (lock_) lock_->release();
-  }
-  Guard(const Guard&) = delete;
-  Guard& operator=(const Guard&) = delete;
-
- private:
-  ThreadLock* lock_;
-};
+/// The log's lock, when the log uses it.
+ThreadLock* lock_of(LogData& data) { return data.use_thread_lock ? &data.lock : nullptr; }
 
 /// The opening is not reported: an open that failed drops all text.
 void open_when_needed(LogData& data) {
@@ -98,7 +86,7 @@ Log::~Log() {
 }
 
 bool Log::open(const char* filename, bool append) {
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   set_filename(filename);
   data_->append_mode = append;
   open_when_needed(*data_);
@@ -106,7 +94,7 @@ bool Log::open(const char* filename, bool append) {
 }
 
 bool Log::close() {
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   if (data_->file_open || data_->opened) close_file(*data_);
   return true;
 }
@@ -140,7 +128,7 @@ LOG_LEVEL Log::get_trace_level_threshold() const { return data_->trace_level_thr
 void Log::set_trace_header_mode(int mode) { data_->trace_header_mode = mode; }
 
 void Log::set_trace_callback(LogCallback callback, void* user_data) {
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   data_->trace_callback = callback;
   data_->trace_callback_user_data = user_data;
 }
@@ -149,7 +137,7 @@ void Log::set_trace_callback(LogCallback callback, void* user_data) {
 
 void Log::trace(LOG_LEVEL level, const char* text) {
   if (!text || !data_->passes(level)) return;
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   open_when_needed(*data_);
   char head[kHeadBytes];
   LocalTime now{};
@@ -164,7 +152,7 @@ void Log::trace(LOG_LEVEL level, const char* text) {
 
 void Log::tracef(LOG_LEVEL level, const char* format, ...) {
   if (!format || !data_->passes(level)) return;
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   open_when_needed(*data_);
   char head[kHeadBytes];
   LocalTime now{};
@@ -189,7 +177,7 @@ void Log::tracef(LOG_LEVEL level, const char* format, ...) {
 
 void Log::simple_trace(LOG_LEVEL level, const char* text) {
   if (!text || !data_->passes(level)) return;
-  const Guard guard(*data_);
+  const detail::LockGuard guard(lock_of(*data_));
   open_when_needed(*data_);
   if (data_->trace_callback) {
     const std::string line = std::string(text) + "\n";

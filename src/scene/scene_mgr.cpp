@@ -13,6 +13,8 @@
 #include <memory>
 #include <vector>
 
+#include "core/lock_guard.h"
+
 namespace orv {
 
 struct SceneMgrData {
@@ -21,17 +23,6 @@ struct SceneMgrData {
 };
 
 namespace {
-
-class LockGuard {
- public:
-  explicit LockGuard(ThreadLock& lock) : lock_(lock) { lock_.acquire(); }
-  ~LockGuard() { lock_.release(); }
-  LockGuard(const LockGuard&) = delete;
-  LockGuard& operator=(const LockGuard&) = delete;
-
- private:
-  ThreadLock& lock_;
-};
 
 /// A node of a scene whose children are being released. They are out of its list already.
 struct OpenNode {
@@ -99,13 +90,13 @@ bool SceneMgr::cleanup(Renderer* renderer) {
 
 Scene* SceneMgr::create_scene() {
   auto scene = std::make_unique<Scene>();
-  const LockGuard guard(data_->lock);
+  const detail::LockGuard guard(&data_->lock);
   data_->scenes.push_back(scene.get());
   return scene.release();
 }
 
 bool SceneMgr::kill_scene(Renderer* renderer, Scene* scene) {
-  const LockGuard guard(data_->lock);
+  const detail::LockGuard guard(&data_->lock);
   std::vector<Scene*>& scenes = data_->scenes;
   const auto found = std::find(scenes.begin(), scenes.end(), scene);
   if (found == scenes.end()) return false;
@@ -114,7 +105,7 @@ bool SceneMgr::kill_scene(Renderer* renderer, Scene* scene) {
 }
 
 bool SceneMgr::kill_all_scenes(Renderer* renderer) {
-  const LockGuard guard(data_->lock);
+  const detail::LockGuard guard(&data_->lock);
   while (!data_->scenes.empty()) {
     Scene* scene = data_->scenes.front();
     data_->scenes.erase(data_->scenes.begin());

@@ -10,6 +10,8 @@
 #include <deque>
 #include <vector>
 
+#include "core/lock_guard.h"
+
 namespace orv {
 
 struct AudioDataQueue {
@@ -19,17 +21,6 @@ struct AudioDataQueue {
 };
 
 namespace {
-
-class LockGuard {
- public:
-  explicit LockGuard(ThreadLock* lock) : lock_(lock) { lock_->acquire(); }
-  ~LockGuard() { lock_->release(); }
-  LockGuard(const LockGuard&) = delete;
-  LockGuard& operator=(const LockGuard&) = delete;
-
- private:
-  ThreadLock* lock_;
-};
 
 // Not null for 0 bytes either.
 unsigned char* alloc_zeroed(unsigned int size, const char* what) {
@@ -90,13 +81,13 @@ void AudioData::del_audio_frame(AudioFrame* frame) {
 }
 
 unsigned int AudioData::push_audio_frame(AudioFrame* frame) {
-  const LockGuard guard(frames_lock);
+  const detail::LockGuard guard(frames_lock);
   if (frame) queue_->queued.push_back(frame);
   return static_cast<unsigned int>(queue_->queued.size());
 }
 
 AudioFrame* AudioData::pop_audio_frame() {
-  const LockGuard guard(frames_lock);
+  const detail::LockGuard guard(frames_lock);
   if (queue_->queued.empty()) return nullptr;
   AudioFrame* frame = queue_->queued.front();
   queue_->queued.pop_front();
@@ -112,7 +103,7 @@ AudioFrame* AudioData::get_audio_frame(unsigned int size) {
 }
 
 unsigned int AudioData::get_num_audio_frames() const {
-  const LockGuard guard(frames_lock);
+  const detail::LockGuard guard(frames_lock);
   return static_cast<unsigned int>(queue_->queued.size());
 }
 
