@@ -144,40 +144,41 @@ TEST_F(SocketCorePair, SignalsDoNotEndAccepting) {
 }
 
 // Where the queue of a server is full a connection takes its time.
-TEST(SocketCore, SignalsDoNotEndConnecting) {
-  SocketCore core;
-  const Held server(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  SockAddr any;
-  ASSERT_TRUE(core.bind_socket(server.get(), &any));
-  ASSERT_TRUE(core.listen_socket(server.get(), 0));
-  const unsigned short port = server->local.port;
-  const Held first(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  const Held second(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  ASSERT_TRUE(core.connect_socket(first.get(), "127.0.0.1", port));
+class SocketCoreFullQueue : public testing::Test {
+ protected:
+  void SetUp() override {
+    SockAddr any;
+    ASSERT_TRUE(core_.bind_socket(server_.get(), &any));
+    ASSERT_TRUE(core_.listen_socket(server_.get(), 0));
+    ASSERT_TRUE(connect(first_));
+  }
+  Held make() { return Held(core_.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP)); }
+  bool connect(const Held& socket) {
+    return core_.connect_socket(socket.get(), "127.0.0.1", server_->local.port);
+  }
+
+  SocketCore core_;
+  Held server_ = make();
+  Held first_ = make();
+  Held second_ = make();
+};
+
+TEST_F(SocketCoreFullQueue, SignalsDoNotEndConnecting) {
   bool connected = false;
-  std::thread waiting([&] { connected = core.connect_socket(second.get(), "127.0.0.1", port); });
+  std::thread waiting([&] { connected = connect(second_); });
   interrupt(waiting);
-  const Held taken(core.accept_connection(server.get()));
+  const Held taken(core_.accept_connection(server_.get()));
   waiting.join();
   EXPECT_TRUE(connected);
 }
 
 // Nobody accepts here, and the system itself would try for minutes.
-TEST(SocketCore, SignalsDoNotLiftALimitToConnecting) {
-  SocketCore core;
-  const Held server(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  SockAddr any;
-  ASSERT_TRUE(core.bind_socket(server.get(), &any));
-  ASSERT_TRUE(core.listen_socket(server.get(), 0));
-  const unsigned short port = server->local.port;
-  const Held first(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  const Held second(core.create_socket(SOCKET_TYPE_STREAM, SOCKET_PROTOCOL_TCP));
-  ASSERT_TRUE(core.connect_socket(first.get(), "127.0.0.1", port));
+TEST_F(SocketCoreFullQueue, SignalsDoNotLiftALimitToConnecting) {
   const timeval limit{0, 200'000};
-  ASSERT_EQ(setsockopt(second->handle, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)), 0);
+  ASSERT_EQ(setsockopt(second_->handle, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)), 0);
   bool connected = true;
   const auto begin = std::chrono::steady_clock::now();
-  std::thread waiting([&] { connected = core.connect_socket(second.get(), "127.0.0.1", port); });
+  std::thread waiting([&] { connected = connect(second_); });
   interrupt(waiting);
   waiting.join();
   EXPECT_FALSE(connected);
