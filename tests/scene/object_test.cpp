@@ -2,11 +2,6 @@
 
 #include <orv/gpu/gpu_program.h>
 #include <orv/gpu/material.h>
-#include <orv/gpu/texture.h>
-#include <orv/gpu/texture_mgr.h>
-#include <orv/image/image.h>
-#include <orv/image/image_codec.h>
-#include <orv/scene/tripod.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,102 +9,18 @@
 #include <string>
 #include <vector>
 
+#include "scene/object_witness.h"
 #include "support/held.h"
 #include "support/log_capture.h"
 
 namespace orv {
 namespace {
 
+using test::Family;
 using test::Held;
 using test::LogCapture;
+using test::Witness;
 using testing::ElementsAre;
-
-/// Tells which operations reached it.
-class Witness : public Object {
- public:
-  using Object::rotate_vertices_position;
-  using Object::set_vertices_color;
-  using Object::translate_vertices_position;
-
-  void set_tessellation_state(bool state, Node* node) override {
-    note("tessellation", node);
-    Object::set_tessellation_state(state, node);
-  }
-  bool compute_faces_normal(Node* node) override {
-    note("faces_normal", node);
-    return Object::compute_faces_normal(node);
-  }
-  bool compute_vertices_normal(Node* node) override {
-    note("vertices_normal", node);
-    return Object::compute_vertices_normal(node);
-  }
-  bool average_vertices_normal(float epsilon, Node* node) override {
-    note("average", node);
-    return Object::average_vertices_normal(epsilon, node);
-  }
-  void translate_vertices_position(const vec4& v, Node* node) override {
-    note("translate4", node);
-    Object::translate_vertices_position(v, node);
-  }
-  void translate_vertices_position(const vec3& v, Node* node) override {
-    note("translate3", node);
-    Object::translate_vertices_position(v, node);
-  }
-  void scale_vertices_position(const vec4& v, Node* node) override {
-    note("scale", node);
-    Object::scale_vertices_position(v, node);
-  }
-  void rotate_vertices_position(const quat& q, Node* node) override {
-    note("rotate_quat", node);
-    Object::rotate_vertices_position(q, node);
-  }
-  void rotate_vertices_position(float x, float y, float z, Node* node) override {
-    note("rotate_xyz", node);
-    Object::rotate_vertices_position(x, y, z, node);
-  }
-  void set_vertices_color(const vec4& color, Node* node) override {
-    note("color", node);
-    last_color = color;
-    Object::set_vertices_color(color, node);
-  }
-  void flip_faces(Node* node) override {
-    note("flip_faces", node);
-    Object::flip_faces(node);
-  }
-  void flip_vertex_normals(Node* node) override {
-    note("flip_normals", node);
-    Object::flip_vertex_normals(node);
-  }
-  bool bounding_volume_compute(Node* node) override {
-    note("volume", node);
-    return Object::bounding_volume_compute(node);
-  }
-  unsigned int get_num_vertices(Node*) override { return vertices; }
-  unsigned int get_num_faces(Node*) override { return faces; }
-
-  std::vector<std::string> seen;
-  vec4 last_color;
-  unsigned int vertices = 0;
-  unsigned int faces = 0;
-
- private:
-  void note(const char* name, Node* node) {
-    seen.push_back(std::string(name) + (node == this ? "(self)" : node ? "(other)" : "(null)"));
-  }
-};
-
-/// A parent with a child and a grandchild, and a plain node as another child that has an object
-/// below it.
-struct Family {
-  Family() {
-    parent->add_child(child);
-    child->add_child(grandchild);
-    parent->add_child(plain_node);
-    plain_node->add_child(hidden);
-  }
-  Held<Witness> parent, child, grandchild, hidden;
-  Held<Node> plain_node;
-};
 
 // ---- life -----------------------------------------------------------------------------------
 
@@ -376,169 +287,6 @@ TEST(Object, ProgramReachesTheSubtreeOnlyWithANode) {
   EXPECT_EQ(f.grandchild->get_gpu_program(), program.get());
   EXPECT_EQ(f.hidden->get_gpu_program(), nullptr);
   EXPECT_EQ(program->get_ref(), 4);
-}
-
-// ---- materials ------------------------------------------------------------------------------
-
-TEST(Object, AddingAMaterialTwiceKeepsOneEntryAndOneReference) {
-  Held<Object> object;
-  Held<Material> material;
-  EXPECT_FALSE(object->add_material(nullptr, nullptr));
-  EXPECT_TRUE(object->add_material(material, nullptr));
-  EXPECT_TRUE(object->add_material(material, nullptr));
-  EXPECT_EQ(object->get_num_materials(), 1u);
-  EXPECT_EQ(material->get_ref(), 2);
-}
-
-TEST(Object, FindsMaterialsByIndexIdAndName) {
-  Held<Object> object;
-  Held<Material> first, second;
-  first->set_name("first");
-  second->set_name("second");
-  object->add_material(first, nullptr);
-  object->add_material(second, nullptr);
-  EXPECT_EQ(object->get_material_by_index(1), second.get());
-  EXPECT_EQ(object->get_material_by_index(2), nullptr);
-  EXPECT_EQ(object->get_material(first->get_id()), first.get());
-  EXPECT_EQ(object->get_material(-1), nullptr);
-  EXPECT_EQ(object->get_material_by_name("second"), second.get());
-  EXPECT_EQ(object->get_material_by_name("sec"), nullptr);
-  EXPECT_EQ(object->get_material_by_name(nullptr), nullptr);
-}
-
-TEST(Object, LongListsOfMaterialsStayInOrderAndAreFoundById) {
-  Held<Object> object;
-  std::vector<Material*> materials;
-  for (int i = 0; i < 100; ++i) {
-    materials.push_back(new Material);
-    object->add_material(materials.back(), nullptr);
-    object->add_material(materials[materials.size() / 2], nullptr);
-  }
-  ASSERT_EQ(object->get_num_materials(), 100u);
-  for (unsigned int i = 0; i < 100; ++i) {
-    EXPECT_EQ(object->get_material_by_index(i), materials[i]);
-    EXPECT_EQ(object->get_material(materials[i]->get_id()), materials[i]);
-    EXPECT_EQ(materials[i]->get_ref(), 1);
-  }
-  const int gone = materials[50]->get_id();
-  EXPECT_TRUE(object->remove_material(materials[50], nullptr));
-  EXPECT_EQ(object->get_material(gone), nullptr);
-  EXPECT_EQ(object->get_material(materials[51]->get_id()), materials[51]);
-  EXPECT_EQ(object->get_material_by_index(50), materials[51]);
-  const int last = materials[99]->get_id();
-  object->remove_all_materials(nullptr, nullptr);
-  EXPECT_EQ(object->get_material(last), nullptr);
-  Held<Material> one;
-  object->add_material(one, nullptr);
-  EXPECT_EQ(object->get_material(one->get_id()), one.get());
-}
-
-TEST(Object, MaterialNamesAreComparedOver127Characters) {
-  Held<Object> object;
-  Held<Material> material;
-  const std::string name(127, 'n');
-  material->set_name((name + "one").c_str());
-  object->add_material(material, nullptr);
-  EXPECT_EQ(object->get_material_by_name((name + "two").c_str()), material.get());
-  EXPECT_EQ(object->get_material_by_name(name.substr(1).c_str()), nullptr);
-}
-
-TEST(Object, MaterialsReachTheSubtreeOnlyWithANode) {
-  Family f;
-  Held<Material> material;
-  EXPECT_TRUE(f.parent->add_material(material, f.parent));
-  EXPECT_EQ(material->get_ref(), 4);
-  EXPECT_EQ(f.grandchild->get_num_materials(), 1u);
-  EXPECT_EQ(f.hidden->get_num_materials(), 0u);
-  f.parent->set_all_materials_texture_unit_offset(3, f.parent);
-  EXPECT_EQ(material->get_texture_unit_offset(), 3u);
-  EXPECT_TRUE(f.parent->remove_material(material, nullptr));
-  EXPECT_EQ(f.child->get_num_materials(), 1u);
-  EXPECT_TRUE(f.child->remove_material(material, f.child));
-  EXPECT_EQ(f.grandchild->get_num_materials(), 0u);
-  EXPECT_EQ(material->get_ref(), 1);
-}
-
-TEST(Object, RemovingAMaterialThatIsNotHeldIsFalse) {
-  Held<Object> object;
-  Held<Material> material;
-  EXPECT_FALSE(object->remove_material(nullptr, nullptr));
-  EXPECT_FALSE(object->remove_material(material, nullptr));
-  EXPECT_EQ(material->get_ref(), 1);
-}
-
-TEST(Object, RemovingTheLastHoldOnAMaterialDestroysIt) {
-  Family f;
-  Material* material = new Material;
-  f.parent->add_material(material, f.parent);
-  EXPECT_TRUE(f.parent->remove_material(material, f.parent));
-  for (Object* object : {f.parent.get(), f.child.get(), f.grandchild.get()}) {
-    EXPECT_EQ(object->get_num_materials(), 0u);
-  }
-}
-
-TEST(Object, RemovingAllMaterialsEmptiesTheChildrenOfASharedOne) {
-  Held<Object> object;
-  Held<Material> shared;
-  Held<Node> below;
-  shared->add_child(below);
-  object->add_material(shared, nullptr);
-  EXPECT_TRUE(object->remove_all_materials(nullptr, nullptr));
-  EXPECT_EQ(object->get_num_materials(), 0u);
-  EXPECT_EQ(shared->get_ref(), 1);
-  EXPECT_EQ(shared->get_num_children(), 0u);
-  EXPECT_EQ(below->get_ref(), 1);
-}
-
-TEST(Object, RemovingAllMaterialsReachesTheSubtreeOnlyWithANode) {
-  Family f;
-  Held<Material> material;
-  f.parent->add_material(material, f.parent);
-  f.parent->remove_all_materials(nullptr, nullptr);
-  EXPECT_EQ(f.child->get_num_materials(), 1u);
-  f.parent->remove_all_materials(nullptr, f.parent);
-  EXPECT_EQ(f.grandchild->get_num_materials(), 0u);
-  EXPECT_EQ(material->get_ref(), 1);
-}
-
-/// Makes a picture of one pixel for every file name.
-class OnePixelCodec : public ImageCodec {
- public:
-  OnePixelCodec() { set_name("one_pixel"); }
-  bool load_image_from_file(Image* image, const char*, bool, PIXEL_FORMAT) override {
-    return image->create(1, 1, 1, PF_RGBA_U8, true, true);
-  }
-  bool load_image_from_memory(Image*, unsigned char*, unsigned int, bool, PIXEL_FORMAT) override {
-    return false;
-  }
-  bool save_image_to_file(Image*, const char*) override { return false; }
-  bool free_image_resources(Image*) override { return false; }
-};
-
-TEST(Object, CountOfLoadedTexturesIsThatOfThisObjectAlone) {
-  OnePixelCodec codec;
-  TextureMgr* textures = TextureMgr::get();
-  const std::string old_codec = textures->get_current_image_codec_name();
-  textures->register_image_codec_plugin(&codec);
-  textures->set_current_image_codec_name("one_pixel");
-  {
-    Held<Object> parent, child;
-    Held<Material> own, other;
-    parent->add_child(child);
-    parent->add_material(own, nullptr);
-    child->add_material(other, nullptr);
-    own->async_loading_add_texture_filename("a.png");
-    own->async_loading_add_texture_filename("b.png");
-    other->async_loading_add_texture_filename("c.png");
-    EXPECT_EQ(parent->async_texture_loading_process_all_materials(nullptr, nullptr, PF_RGBA_U8,
-                                                                  false, parent),
-              2u);
-    EXPECT_EQ(own->get_num_textures(), 2u);
-    EXPECT_EQ(other->get_num_textures(), 1u);
-  }
-  textures->set_current_image_codec_name(old_codec.c_str());
-  textures->unregister_image_codec_plugin(&codec);
-  textures->release_all_textures(nullptr, nullptr);
 }
 
 // ---- bounding volume ------------------------------------------------------------------------
