@@ -23,10 +23,14 @@ inline void store(float* p, float4 v) { *reinterpret_cast<float4_in_memory*>(p) 
 /// The same value in all four lanes.
 inline float4 splat(float s) { return float4{s, s, s, s}; }
 
-/// One lane of `v` in all four: one load for four factors, where splat() takes four.
+/// One lane of `v` in all four: one load for four factors, where splat() takes four. Lanes of
+/// integers are moved by an instruction that leaves its source alone, lanes of floats by one that
+/// needs a copy first.
 template <int LANE>
 inline float4 spread(float4 v) {
-  return __builtin_shufflevector(v, v, LANE, LANE, LANE, LANE);
+  using Bits = int __attribute__((vector_size(16)));
+  const auto bits = reinterpret_cast<Bits>(v);
+  return reinterpret_cast<float4>(__builtin_shufflevector(bits, bits, LANE, LANE, LANE, LANE));
 }
 
 /// Lanes 1, 2, 0, 3.
