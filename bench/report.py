@@ -70,6 +70,20 @@ def text_of_target(row):
     return "" if row["target"] is None else f"{row['target']:.2f}"
 
 
+def sorted_rows(rows, targets):
+    """In the order of the targets: that of the runs is random."""
+    names = list(targets)
+
+    def place(row):
+        for name in (f"{row['road']}/{row['peer']}", row["road"]):
+            if name in targets:
+                return names.index(name)
+        return next((i for i, name in enumerate(names) if name.startswith(row["road"] + "/")),
+                    len(names))
+
+    return sorted(rows, key=lambda row: (place(row), row["peer"]))
+
+
 def make_rows(roads, units, targets):
     rows = []
     for road, sides in roads.items():
@@ -88,7 +102,7 @@ def make_rows(roads, units, targets):
                 "ratio": ratio, "wanted": wanted, "target": target, "runs": len(values),
                 "spread_ours": spread(sides["ours"]), "spread_peer": spread(values),
                 "reached": None if target is None else ratio <= target})
-    return rows
+    return sorted_rows(rows, targets)
 
 
 def print_table(rows):
