@@ -5,8 +5,8 @@
 namespace {
 
 // Beyond these a file is taken for broken, before anything is allocated for it.
-constexpr std::uint32_t kMostVertices = 50'000'000;
-constexpr std::uint32_t kMostCorners = 1000;  // of one polygon
+constexpr std::uint32_t MOST_VERTICES = 50'000'000;
+constexpr std::uint32_t MOST_CORNERS = 1000;  // of one polygon
 
 bool read_positions(std::istream& text, std::uint32_t count, OffShape& shape) {
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -21,7 +21,7 @@ bool read_positions(std::istream& text, std::uint32_t count, OffShape& shape) {
 // A polygon becomes a fan of triangles around its first corner.
 bool read_polygon(std::istream& text, OffShape& shape) {
   std::uint32_t corners = 0;
-  if (!(text >> corners) || corners < 3 || corners > kMostCorners) return false;
+  if (!(text >> corners) || corners < 3 || corners > MOST_CORNERS) return false;
   std::array<std::uint32_t, 3> triangle{};
   for (std::uint32_t i = 0; i < corners; ++i) {
     std::uint32_t index = 0;
@@ -48,7 +48,7 @@ bool read_off_file(const char* path, OffShape& shape, std::string& reason) {
   std::uint32_t vertices = 0, polygons = 0, edges = 0;
   if (!(text >> word) || word != "OFF") return reason = "does not begin with OFF", false;
   if (!(text >> vertices >> polygons >> edges)) return reason = "has no counts", false;
-  if (vertices > kMostVertices) return reason = "claims too many vertices", false;
+  if (vertices > MOST_VERTICES) return reason = "claims too many vertices", false;
   if (!read_positions(text, vertices, shape)) return reason = "ends among the vertices", false;
   for (std::uint32_t i = 0; i < polygons; ++i) {
     if (!read_polygon(text, shape)) {

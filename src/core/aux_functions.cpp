@@ -67,7 +67,7 @@ void forget_vk_renderer(Plugin* plugin) {
 
 bool vk_init() {
   if (vk_renderer) return true;
-  const std::string filename = std::string("plugin_orv_vulkan") + platform::kModuleSuffix;
+  const std::string filename = std::string("plugin_orv_vulkan") + platform::MODULE_SUFFIX;
   Plugin* plugin = Kernel::get()->load_plugin(filename.c_str(), true, true);
   if (!plugin || plugin->get_type() != PLUGIN_TYPE_RENDERER) {
     LogMgr::get().tracef_debug(

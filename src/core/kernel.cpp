@@ -16,9 +16,9 @@ namespace orv {
 
 namespace {
 
-constexpr const char* kDisplayName = "Orvane Core";
-constexpr const char* kCodename = "Slatewing";
-constexpr int kVersionBuild = 0;
+constexpr const char* DISPLAY_NAME = "Orvane Core";
+constexpr const char* CODENAME = "Slatewing";
+constexpr int VERSION_BUILD = 0;
 
 }  // namespace
 
@@ -35,8 +35,8 @@ Kernel* Kernel::get() {
 
 bool Kernel::start() {
   if (data_->started) return true;
-  LogMgr::get().tracef_debug("%s v%d.%d.%d (codename: %s) is starting up...", kDisplayName,
-                             ORV_VERSION_MAJOR, ORV_VERSION_MINOR, ORV_VERSION_PATCH, kCodename);
+  LogMgr::get().tracef_debug("%s v%d.%d.%d (codename: %s) is starting up...", DISPLAY_NAME,
+                             ORV_VERSION_MAJOR, ORV_VERSION_MINOR, ORV_VERSION_PATCH, CODENAME);
   utils::init_platform_information();
   app_directory_init();
   load_core_loader3d_plugins();
@@ -44,7 +44,7 @@ bool Kernel::start() {
   MaterialMgr::get()->start(nullptr);
   TextureMgr::get()->start(nullptr);
   init_texture_mgr_core_image_plugins();
-  LogMgr::get().tracef_debug("%s started up ok.", kDisplayName);
+  LogMgr::get().tracef_debug("%s started up ok.", DISPLAY_NAME);
   data_->started = true;
   return true;
 }
@@ -57,7 +57,7 @@ bool Kernel::stop() {
   for (Loader3D** loader : data_->core_loaders()) *loader = nullptr;
   PluginMgr::get()->unload_all_plugins();
   plugin_search_path_clear();
-  LogMgr::get().tracef_debug("%s stopped ok.", kDisplayName);
+  LogMgr::get().tracef_debug("%s stopped ok.", DISPLAY_NAME);
   data_->started = false;
   return true;
 }
@@ -68,9 +68,9 @@ int Kernel::get_version_minor() const { return ORV_VERSION_MINOR; }
 
 int Kernel::get_version_patch() const { return ORV_VERSION_PATCH; }
 
-int Kernel::get_version_build() const { return kVersionBuild; }
+int Kernel::get_version_build() const { return VERSION_BUILD; }
 
-const char* Kernel::get_codename() const { return kCodename; }
+const char* Kernel::get_codename() const { return CODENAME; }
 
 Renderer* Kernel::get_null_renderer() const { return nullptr; }
 

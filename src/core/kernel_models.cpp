@@ -15,7 +15,7 @@ namespace orv {
 namespace {
 
 /// Everything that a scene can take from a file.
-constexpr const char* kWholeScene = "material + mesh + camera";
+constexpr const char* WHOLE_SCENE = "material + mesh + camera";
 
 Loader3D* get_loader(unsigned int n) {
   return static_cast<Loader3D*>(PluginMgr::get()->get_plugin_by_type(PLUGIN_TYPE_LOADER3D, n));
@@ -116,7 +116,7 @@ bool Kernel::load_scene_from_file_lib3ds_v1(Scene* scene, const char* filename,
     return false;
   }
   set_directories(*data_->loader_lib3ds, model_dir, resource_dir);
-  return data_->loader_lib3ds->load_scene(scene, filename, kWholeScene);
+  return data_->loader_lib3ds->load_scene(scene, filename, WHOLE_SCENE);
 }
 
 bool Kernel::load_scene_from_file_fbx_v1(Scene* scene, const char* filename, const char* model_dir,
@@ -128,7 +128,7 @@ bool Kernel::load_scene_from_file_fbx_v1(Scene* scene, const char* filename, con
     return false;
   }
   set_directories(*loader, model_dir, resource_dir);
-  return loader->load_scene(scene, filename, kWholeScene);
+  return loader->load_scene(scene, filename, WHOLE_SCENE);
 }
 
 void Kernel::set_current_3d_obj_loader_name(const char* name) {

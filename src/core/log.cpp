@@ -14,8 +14,8 @@ using platform::LocalTime;
 
 /// Tags of one of the two forms of headed lines, by level.
 using Tags = const char* const[5];
-constexpr Tags kSquareTags = {"", "[*]", "[!]", "[ ]", "[d]"};
-constexpr Tags kAngleTags = {"", " <*> ", " <!> ", " < > ", " <d> "};
+constexpr Tags SQUARE_TAGS = {"", "[*]", "[!]", "[ ]", "[d]"};
+constexpr Tags ANGLE_TAGS = {"", " <*> ", " <!> ", " < > ", " <d> "};
 
 const char* tag_of(const Tags& tags, LOG_LEVEL level) {
   return level >= LOG_LEVEL_ERROR && level <= LOG_LEVEL_DEBUG ? tags[level] : "";
@@ -44,11 +44,11 @@ void close_file(LogData& data) {
 bool writes_to_file(const LogData& data) { return data.file && data.file_open && data.to_file; }
 
 /// Room for every header and tag.
-constexpr size_t kHeadBytes = 160;
+constexpr size_t HEAD_BYTES = 160;
 
 /// Counts a line and writes its header and tag into `head`. Returns their length.
 size_t begin_line(LogData& data, const Tags& tags, LOG_LEVEL level, LocalTime& now,
-                  char (&head)[kHeadBytes]) {
+                  char (&head)[HEAD_BYTES]) {
   const int number = static_cast<int>(++data.trace_count);
   now = platform::read_local_time();
   int length = 0;
@@ -139,9 +139,9 @@ void Log::trace(LOG_LEVEL level, const char* text) {
   if (!text || !data_->passes(level)) return;
   const detail::LockGuard guard(lock_of(*data_));
   open_when_needed(*data_);
-  char head[kHeadBytes];
+  char head[HEAD_BYTES];
   LocalTime now{};
-  const size_t length = begin_line(*data_, kSquareTags, level, now, head);
+  const size_t length = begin_line(*data_, SQUARE_TAGS, level, now, head);
   if (data_->trace_callback) data_->trace_callback(text, data_->trace_callback_user_data);
   write_line(*data_, head, length, text);
   if (data_->to_terminal) {
@@ -154,16 +154,16 @@ void Log::tracef(LOG_LEVEL level, const char* format, ...) {
   if (!format || !data_->passes(level)) return;
   const detail::LockGuard guard(lock_of(*data_));
   open_when_needed(*data_);
-  char head[kHeadBytes];
+  char head[HEAD_BYTES];
   LocalTime now{};
-  const size_t length = begin_line(*data_, kAngleTags, level, now, head);
+  const size_t length = begin_line(*data_, ANGLE_TAGS, level, now, head);
 
-  char line[kHeadBytes + kMaxMessageBytes];
+  char line[HEAD_BYTES + MAX_MESSAGE_BYTES];
   std::memcpy(line, head, length);
   char* message = line + length;
   va_list arguments;
   va_start(arguments, format);
-  format_message(message, kMaxMessageBytes, format, arguments);
+  format_message(message, MAX_MESSAGE_BYTES, format, arguments);
   va_end(arguments);
 
   if (data_->trace_callback) data_->trace_callback(line, data_->trace_callback_user_data);
@@ -189,7 +189,7 @@ void Log::simple_trace(LOG_LEVEL level, const char* text) {
 
 void Log::simple_tracef(LOG_LEVEL level, const char* format, ...) {
   if (!format || !data_->passes(level)) return;
-  char message[kMaxMessageBytes];
+  char message[MAX_MESSAGE_BYTES];
   va_list arguments;
   va_start(arguments, format);
   format_message(message, sizeof message, format, arguments);

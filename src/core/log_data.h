@@ -13,7 +13,7 @@
 namespace orv {
 
 /// Bytes of one formatted message with its terminator.
-constexpr size_t kMaxMessageBytes = 65536;
+constexpr size_t MAX_MESSAGE_BYTES = 65536;
 
 /// The switches are atomic, since a line is tested against them before the lock is taken.
 struct LogData {

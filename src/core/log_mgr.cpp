@@ -108,7 +108,7 @@ void LogMgr::trace_debug(const char* text) { trace_to(data_->default_log, LOG_LE
 #define ORV_TRACEF(level, operation)                          \
   Log* const log = data_->default_log;                        \
   if (!log || !format || !log->data_->passes(level)) return;  \
-  char message[kMaxMessageBytes];                             \
+  char message[MAX_MESSAGE_BYTES];                            \
   va_list arguments;                                          \
   va_start(arguments, format);                                \
   format_message(message, sizeof message, format, arguments); \

@@ -23,7 +23,7 @@ struct PluginMgrData {
 namespace {
 
 /// Longest part of a file name that a plugin remembers.
-constexpr size_t kMaxFilename = 1023;
+constexpr size_t MAX_FILENAME = 1023;
 
 /// What log lines tell of a plugin that may be gone by then.
 struct Identity {
@@ -122,7 +122,7 @@ int PluginMgr::load_plugin(const char* filename, bool force_reload) {
   if (!filename) return -1;
   if (!force_reload) {
     for (const Plugin* plugin : data_->plugins) {
-      if (std::strncmp(filename, plugin->get_full_filename(), kMaxFilename) == 0) {
+      if (std::strncmp(filename, plugin->get_full_filename(), MAX_FILENAME) == 0) {
         return plugin->get_id();
       }
     }

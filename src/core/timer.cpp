@@ -9,9 +9,9 @@ namespace orv {
 
 namespace {
 
-constexpr std::uint64_t kFrequency = platform::kCounterFrequency;
+constexpr std::uint64_t FREQUENCY = platform::COUNTER_FREQUENCY;
 
-std::uint64_t to_milliseconds(std::uint64_t ticks) { return ticks / (kFrequency / 1000); }
+std::uint64_t to_milliseconds(std::uint64_t ticks) { return ticks / (FREQUENCY / 1000); }
 
 }  // namespace
 
@@ -39,7 +39,7 @@ unsigned long long Timer::read_elapsed() {
   const auto drift = static_cast<std::int32_t>(start_tick_ + ms - clocks.tick());
   if (drift < -100 || drift > 100) {
     // The counter ran away from the coarse clock, which is believed.
-    const std::int64_t surplus = std::int64_t{drift} * static_cast<std::int64_t>(kFrequency / 1000);
+    const std::int64_t surplus = std::int64_t{drift} * static_cast<std::int64_t>(FREQUENCY / 1000);
     const std::int64_t adjust = std::min(surplus, static_cast<std::int64_t>(elapsed - last_time_));
     start_time_ += static_cast<std::uint64_t>(adjust);
     elapsed -= static_cast<std::uint64_t>(adjust);
@@ -53,7 +53,7 @@ unsigned int Timer::getMilliseconds() {
 }
 
 unsigned int Timer::getMicroseconds() {
-  return static_cast<unsigned int>(read_elapsed() / (kFrequency / 1'000'000));
+  return static_cast<unsigned int>(read_elapsed() / (FREQUENCY / 1'000'000));
 }
 
 unsigned int Timer::getMillisecondsCPU() const {

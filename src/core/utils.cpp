@@ -185,12 +185,12 @@ PIXEL_FORMAT ConvertInt2Pf(int value) {
 }
 
 const char* Shader_Type_To_String(GPU_SHADER_TYPE type, bool capital) {
-  static constexpr const char* kNames[][2] = {
+  static constexpr const char* NAMES[][2] = {
       {"vertex", "Vertex"},       {"pixel", "Pixel"},
       {"geometry", "Geometry"},   {"tess control", "Tess control"},
       {"tess eval", "Tess eval"}, {"compute", "Compute"}};
   if (type < GPU_SHADER_VERTEX || type > GPU_SHADER_COMPUTE) return "";
-  return kNames[type][capital ? 1 : 0];
+  return NAMES[type][capital ? 1 : 0];
 }
 
 }  // namespace orv

@@ -26,7 +26,7 @@ bool check_d3d12_support() { return can_load("plugin_orv_d3d12"); }
 
 void* load_plugin(const char* name) {
   if (!name) return nullptr;
-  const std::string filename = std::string(name) + platform::kModuleSuffix;
+  const std::string filename = std::string(name) + platform::MODULE_SUFFIX;
   Plugin* const plugin = Kernel::get()->load_plugin(filename.c_str(), true, true);
   if (!plugin) {
     LogMgr::get().tracef_debug("plugin %s: no directory of the plugin search path gave it",

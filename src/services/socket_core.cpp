@@ -12,7 +12,7 @@ namespace orv {
 namespace {
 
 /// The longest message that receive_socket_get_data_len() tells of.
-constexpr int kPeekSize = 1023;
+constexpr int PEEK_SIZE = 1023;
 
 /// A socket may be shut down on one thread while another one closes it.
 std::atomic_ref<int> shared_handle(Socket* socket) { return std::atomic_ref<int>(socket->handle); }
@@ -207,8 +207,8 @@ int SocketCore::send_socket(Socket* socket, unsigned char* data, int size) {
 
 int SocketCore::receive_socket_get_data_len(Socket* socket) {
   if (!socket) return 0;
-  unsigned char pending[kPeekSize];
-  return platform::receive_bytes(open_handle(socket), pending, kPeekSize, true);
+  unsigned char pending[PEEK_SIZE];
+  return platform::receive_bytes(open_handle(socket), pending, PEEK_SIZE, true);
 }
 
 int SocketCore::receive_socket(Socket* socket, unsigned char* data, int size) {

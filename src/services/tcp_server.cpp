@@ -19,12 +19,12 @@ namespace {
 using Guard = std::lock_guard<std::mutex>;
 
 /// How many bytes of a client's message run() takes.
-constexpr int kMaxMessage = 1023;
+constexpr int MAX_MESSAGE = 1023;
 /// Between two attempts to accept, so that a failure that lasts does not eat the processor.
-constexpr unsigned int kPauseMs = 10;
+constexpr unsigned int PAUSE_MS = 10;
 /// How long a stop waits for its connection. It cannot connect when others fill the queue, and then
 /// these wake the loop.
-constexpr int kKnockMs = 25;
+constexpr int KNOCK_MS = 25;
 
 /// Frees a message and its client.
 void end_message(SocketCore* core, TcpServerClientThreadParams* params) {
@@ -154,7 +154,7 @@ Socket* TcpServerData::accept(const OpenSocket& opened) {
   Socket* client = opened.core->accept_connection(opened.socket);
   if (client && client->handle >= 0) return client;
   opened.core->kill_socket(client);
-  utils::thread_sleep(kPauseMs);
+  utils::thread_sleep(PAUSE_MS);
   return nullptr;
 }
 
@@ -178,7 +178,7 @@ int TcpServerData::wait_for_message(const OpenSocket& opened, Socket* client) {
   const int pending = opened.core->receive_socket_get_data_len(client);
   const Guard guard(mutex);
   awaited = nullptr;
-  return std::min(pending, kMaxMessage);
+  return std::min(pending, MAX_MESSAGE);
 }
 
 bool TcpServerData::take_message(const OpenSocket& opened, Socket* client) {
@@ -265,7 +265,7 @@ TcpServerClientThreadParams* TcpServerData::make_conversation(const OpenSocket& 
 bool TcpServerData::begin_conversation(const std::shared_ptr<TcpServerData>& self_held,
                                        const OpenSocket& opened, Socket* client, TcpServer* owner) {
   const Guard guard(mutex);
-  Conversation* const end = conversations + kMaxConversations;
+  Conversation* const end = conversations + MAX_CONVERSATIONS;
   Conversation* const place =
       std::find_if(conversations, end, [](const Conversation& c) { return !c.params; });
   if (!threaded || place == end) {
@@ -353,7 +353,7 @@ int TcpServer::run_v2(unsigned short port) {
       LogMgr::get().tracef_error(
           "ORV::TcpServer::run() - unable to handle new TCP connection: max client threads (%d) "
           "reached.",
-          TcpServerData::kMaxConversations);
+          TcpServerData::MAX_CONVERSATIONS);
     }
     if (data->stop_requested) return 0;
   }
@@ -406,7 +406,7 @@ bool TcpServer::send_stop_message() {
   if (!knock) return false;
   const int port = data_->request_stop();
   if (port >= 0) {
-    platform::limit_connect_time(knock->handle, kKnockMs);
+    platform::limit_connect_time(knock->handle, KNOCK_MS);
     // The name needs a file, which cannot be opened when descriptors have run out.
     const auto number = static_cast<unsigned short>(port);
     if (!core->connect_socket(knock, "localhost", number)) {
@@ -447,7 +447,7 @@ Socket* TcpServer::get_server_socket() const {
 }
 
 const TcpServerClientThreadParams* TcpServer::get_client_thread(int place) const {
-  if (place < 0 || place >= TcpServerData::kMaxConversations) return nullptr;
+  if (place < 0 || place >= TcpServerData::MAX_CONVERSATIONS) return nullptr;
   const Guard guard(data_->mutex);
   return data_->conversations[place].params;
 }

@@ -27,7 +27,7 @@ struct Conversation {
 /// What a TcpServer works with. Loops and client threads hold it, too, so that it outlives a server
 /// that is destroyed under them.
 struct TcpServerData {
-  static constexpr int kMaxConversations = 128;
+  static constexpr int MAX_CONVERSATIONS = 128;
 
   TcpServerData();
   ~TcpServerData();
@@ -82,7 +82,7 @@ struct TcpServerData {
   OpenSocket server;
   Socket* awaited = nullptr;       // client whose message run() waits for
   SocketCore* awaiting = nullptr;  // what it waits with
-  Conversation conversations[kMaxConversations];
+  Conversation conversations[MAX_CONVERSATIONS];
   std::vector<OpenSocket> left_open;
   char stop_message[128] = "STOP_ORV_TCP_SERVER";
   unsigned int stop_message_length = 19;

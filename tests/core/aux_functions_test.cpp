@@ -31,12 +31,12 @@ mat4 numbered(const Elements& values) {
   return matrix;
 }
 
-const Elements kBias = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 1, 0, 0.5f, 0.5f, 0, 1};
+const Elements BIAS = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 1, 0, 0.5f, 0.5f, 0, 1};
 
 TEST(ShadowMatrix, BiasHalvesAndMovesXAndYAndLeavesDepth) {
   mat4 out;
   aux::shadow_mapping_compute_texture_matrix(mat4(), mat4(), nullptr, nullptr, nullptr, &out);
-  EXPECT_EQ(elements(out), kBias);
+  EXPECT_EQ(elements(out), BIAS);
 }
 
 TEST(ShadowMatrix, ConcatenatesBiasProjectionAndView) {
@@ -44,7 +44,7 @@ TEST(ShadowMatrix, ConcatenatesBiasProjectionAndView) {
   const mat4 view = numbered({0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 7, 8, 9, 1});
   mat4 out;
   aux::shadow_mapping_compute_texture_matrix(projection, view, nullptr, nullptr, nullptr, &out);
-  EXPECT_EQ(elements(out), elements(numbered(kBias) * projection * view));
+  EXPECT_EQ(elements(out), elements(numbered(BIAS) * projection * view));
   // One point by hand: view gives (9, 9, 12, 1), projection (18, 36, 41, 12), bias half of that,
   // moved.
   const vec4 point = out * vec4(1, 2, 3, 1);
@@ -58,7 +58,7 @@ TEST(ShadowMatrix, CameraViewIsInvertedInACopy) {
   mat4 camera = numbered({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 2, 4, 6, 1});
   mat4 out;
   aux::shadow_mapping_compute_texture_matrix(mat4(), mat4(), &camera, nullptr, nullptr, &out);
-  EXPECT_EQ(elements(out), elements(numbered(kBias) *
+  EXPECT_EQ(elements(out), elements(numbered(BIAS) *
                                     numbered({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -2, -4, -6, 1})));
   EXPECT_EQ(camera.m[12], 2.0f);
 }
@@ -68,7 +68,7 @@ TEST(ShadowMatrix, GoesToTheProgramUnderItsName) {
   aux::shadow_mapping_compute_texture_matrix(mat4(), mat4(), nullptr, &program, nullptr, nullptr);
   const GpuProgramUniform* uniform = program.find_uniform("ORV_TextureMatrix");
   ASSERT_NE(uniform, nullptr);
-  EXPECT_THAT(uniform->value_mat4f, testing::ElementsAreArray(kBias));
+  EXPECT_THAT(uniform->value_mat4f, testing::ElementsAreArray(BIAS));
   EXPECT_EQ(program.find_uniform("name"), nullptr);
   aux::shadow_mapping_compute_texture_matrix(mat4(), mat4(), nullptr, &program, "name", nullptr);
   EXPECT_NE(program.find_uniform("name"), nullptr);

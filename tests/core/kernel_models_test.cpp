@@ -93,7 +93,7 @@ class KernelModelsTest : public testing::Test {
   TempFolder folder;
 };
 
-constexpr const char* kTriangleObj = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+constexpr const char* TRIANGLE_OBJ = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 TEST_F(KernelModelsTest, FirstLoaderThatSucceedsWins) {
   insert("one", false);
@@ -181,7 +181,7 @@ TEST_F(KernelModelsTest, ScenesOfFbxFilesTakeEverything) {
 }
 
 TEST_F(KernelModelsTest, TypedLoadsNeedTheirCoreLoader) {
-  folder.write("t.obj", kTriangleObj);
+  folder.write("t.obj", TRIANGLE_OBJ);
   const std::string dir = folder.path() + "/";
   EXPECT_EQ(kernel.load_model_from_file_obj(params, "t.obj", dir.c_str(), ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file_stl(params, "t.stl", dir.c_str(), ""), nullptr);
@@ -193,7 +193,7 @@ TEST_F(KernelModelsTest, TypedLoadsNeedTheirCoreLoader) {
 
 TEST_F(KernelModelsTest, ObjLoaderIsChosenByItsName) {
   kernel.start();
-  folder.write("t.obj", kTriangleObj);
+  folder.write("t.obj", TRIANGLE_OBJ);
   const std::string dir = folder.path() + "/";
   EXPECT_STREQ(kernel.get_current_3d_obj_loader_name(), "ObjLoaderV1");
   for (const char* name : {"ObjLoaderV1", "ObjLoaderV2"}) {
@@ -216,11 +216,11 @@ TEST_F(KernelModelsTest, ObjLoaderIsChosenByItsName) {
 
 TEST_F(KernelModelsTest, NamesDecideAboutTheLoader) {
   kernel.start();
-  folder.write("m.OBJ", kTriangleObj);
-  folder.write("abobj", kTriangleObj);
-  folder.write(".obj", kTriangleObj);
-  folder.write("a.x3", kTriangleObj);
-  folder.write("m.txt", kTriangleObj);
+  folder.write("m.OBJ", TRIANGLE_OBJ);
+  folder.write("abobj", TRIANGLE_OBJ);
+  folder.write(".obj", TRIANGLE_OBJ);
+  folder.write("a.x3", TRIANGLE_OBJ);
+  folder.write("m.txt", TRIANGLE_OBJ);
   const std::string dir = folder.path() + "/";
   for (const char* name : {"m.OBJ", "abobj"}) {
     Model* model = kernel.load_model_from_file(params, name, dir.c_str(), "");
@@ -234,7 +234,7 @@ TEST_F(KernelModelsTest, NamesDecideAboutTheLoader) {
 
 TEST_F(KernelModelsTest, NullDirectoryKeepsThatOfThePreviousLoad) {
   kernel.start();
-  folder.write("t.obj", kTriangleObj);
+  folder.write("t.obj", TRIANGLE_OBJ);
   EXPECT_EQ(kernel.load_model_from_file(params, "t.obj", "/no/such/", ""), nullptr);
   EXPECT_EQ(kernel.load_model_from_file(params, "t.obj", nullptr, nullptr), nullptr);
   release(kernel.load_model_from_file(params, "t.obj", (folder.path() + "/").c_str(), ""));
@@ -245,7 +245,7 @@ TEST_F(KernelModelsTest, NullDirectoryKeepsThatOfThePreviousLoad) {
 
 TEST_F(KernelModelsTest, NoSeparatorIsAddedToTheDirectory) {
   kernel.start();
-  folder.write("t.obj", kTriangleObj);
+  folder.write("t.obj", TRIANGLE_OBJ);
   EXPECT_EQ(kernel.load_model_from_file(params, "t.obj", folder.path().c_str(), ""), nullptr);
 }
 

@@ -36,7 +36,7 @@ class LogTest : public testing::Test {
   Log log;
 };
 
-constexpr const char* kStamp =
+constexpr const char* STAMP =
     "[0-9]+/[0-9]+/[0-9]+@[0-9][0-9]:[0-9][0-9]:[0-9][0-9]:[0-9][0-9][0-9]";
 
 // ---- tests before a line -----------------------------------------------------------------------
@@ -98,7 +98,7 @@ TEST_F(LogTest, TraceWritesDateNumberAndSquareTagWithoutBlanks) {
   log.trace(LOG_LEVEL_WARNING, "b");
   log.trace(LOG_LEVEL_INFO, "c");
   log.trace(LOG_LEVEL_DEBUG, "d");
-  const std::string stamp = kStamp;
+  const std::string stamp = STAMP;
   EXPECT_TRUE(std::regex_match(
       folder.read("log.txt"),
       std::regex(stamp + R"(\(0000000001\)\[\*\]a\n)" + stamp + R"(\(0000000002\)\[!\]b\n)" +
@@ -119,7 +119,7 @@ TEST_F(LogTest, TracefWritesAngleTagAndHandsTheWholeLineToTheCallback) {
   log.tracef(LOG_LEVEL_WARNING, "b");
   log.tracef(LOG_LEVEL_INFO, "c");
   log.tracef(LOG_LEVEL_DEBUG, "d");
-  const std::string stamp = kStamp;
+  const std::string stamp = STAMP;
   ASSERT_EQ(received.size(), 4u);
   EXPECT_TRUE(std::regex_match(received[0], std::regex(stamp + R"(\(0000000001\) <\*> number 1)")));
   EXPECT_TRUE(std::regex_match(received[1], std::regex(stamp + R"(\(0000000002\) <!> b)")));

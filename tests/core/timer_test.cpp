@@ -10,7 +10,7 @@
 namespace orv {
 namespace {
 
-constexpr std::uint64_t kMillisecond = platform::kCounterFrequency / 1000;
+constexpr std::uint64_t MILLISECOND = platform::COUNTER_FREQUENCY / 1000;
 
 std::uint64_t counter_now;
 std::uint32_t tick_now;
@@ -28,7 +28,7 @@ class TimerTest : public testing::Test {
   ~TimerTest() override { timer_clocks() = real_; }
 
   static void advance(std::uint64_t ms) {
-    counter_now += ms * kMillisecond;
+    counter_now += ms * MILLISECOND;
     tick_now += static_cast<std::uint32_t>(ms);
   }
 
@@ -40,7 +40,7 @@ TEST_F(TimerTest, CountsFromResetInWholeUnits) {
   Timer timer;
   EXPECT_EQ(timer.getMilliseconds(), 0u);
   advance(250);
-  counter_now += kMillisecond / 2;
+  counter_now += MILLISECOND / 2;
   EXPECT_EQ(timer.getMilliseconds(), 250u);
   EXPECT_EQ(timer.getMicroseconds(), 250500u);
   timer.reset();
@@ -51,7 +51,7 @@ TEST_F(TimerTest, ForwardJumpOfMoreThanAHundredMillisecondsIsTakenOut) {
   Timer timer;
   advance(50);
   EXPECT_EQ(timer.getMilliseconds(), 50u);
-  counter_now += 10'000 * kMillisecond;
+  counter_now += 10'000 * MILLISECOND;
   EXPECT_EQ(timer.getMilliseconds(), 50u);
   advance(30);
   EXPECT_EQ(timer.getMilliseconds(), 80u);
@@ -61,25 +61,25 @@ TEST_F(TimerTest, ForwardJumpOfMoreThanAHundredMillisecondsIsTakenOut) {
 TEST_F(TimerTest, JumpIsTakenOutOfMicrosecondsToo) {
   Timer timer;
   advance(50);
-  counter_now += 500 * kMillisecond;
+  counter_now += 500 * MILLISECOND;
   EXPECT_EQ(timer.getMicroseconds(), 50'000u);
 }
 
 TEST_F(TimerTest, TimeNeverGoesBackThroughAJump) {
   Timer timer;
   advance(50);
-  counter_now += 80 * kMillisecond;  // small enough to be believed
+  counter_now += 80 * MILLISECOND;  // small enough to be believed
   EXPECT_EQ(timer.getMilliseconds(), 130u);
-  counter_now += 60 * kMillisecond;  // the drift is 140 now, of which 60 are new
+  counter_now += 60 * MILLISECOND;  // the drift is 140 now, of which 60 are new
   EXPECT_EQ(timer.getMilliseconds(), 130u);
 }
 
 TEST_F(TimerTest, JumpOfAHundredMillisecondsIsBelieved) {
   Timer timer;
-  counter_now += 100 * kMillisecond;
+  counter_now += 100 * MILLISECOND;
   EXPECT_EQ(timer.getMilliseconds(), 100u);
   Timer other;
-  counter_now += 101 * kMillisecond;
+  counter_now += 101 * MILLISECOND;
   EXPECT_EQ(other.getMilliseconds(), 0u);
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char kMagic[] = "TESTIMG";
+constexpr char MAGIC[] = "TESTIMG";
 
 class TestCodec : public orv::ImageCodec {
  public:
@@ -25,7 +25,7 @@ class TestCodec : public orv::ImageCodec {
     if (!image || !filename) return false;
     std::FILE* file = std::fopen(filename, "rb");
     if (!file) return false;
-    unsigned char data[sizeof kMagic] = {};
+    unsigned char data[sizeof MAGIC] = {};
     const size_t size = std::fread(data, 1, sizeof data - 1, file);
     std::fclose(file);
     return load_image_from_memory(image, data, static_cast<unsigned int>(size), option, format);
@@ -33,8 +33,8 @@ class TestCodec : public orv::ImageCodec {
 
   bool load_image_from_memory(orv::Image* image, unsigned char* data, unsigned int size, bool,
                               orv::PIXEL_FORMAT) override {
-    if (!image || !data || size < sizeof kMagic - 1) return false;
-    if (std::memcmp(data, kMagic, sizeof kMagic - 1) != 0) return false;
+    if (!image || !data || size < sizeof MAGIC - 1) return false;
+    if (std::memcmp(data, MAGIC, sizeof MAGIC - 1) != 0) return false;
     if (!image->create(2, 1, 1, orv::PF_RGB_U8, false, true)) return false;
     const unsigned char pixels[] = {255, 0, 0, 0, 0, 255};
     std::memcpy(image->get_u8_ptr(), pixels, sizeof pixels);

@@ -21,7 +21,7 @@ using orv::FtglGlyphMetrics;
 using orv::vec2;
 using orv::vec4;
 
-constexpr unsigned int kMaxFileSize = 1u << 20;
+constexpr unsigned int MAX_FILE_SIZE = 1u << 20;
 
 /// Takes the next character off a text; 0 at its end.
 unsigned int next_character(const char** text) {
@@ -126,7 +126,7 @@ class BoxFonts : public orv::test::Module<orv::FreeTypeGLPluginInterface> {
   bool load_face(orv::Font* font, const char* filename, float pixel_height) override {
     std::FILE* file = font && filename ? std::fopen(filename, "rb") : nullptr;
     if (!file) return false;
-    std::string text(kMaxFileSize, '\0');
+    std::string text(MAX_FILE_SIZE, '\0');
     text.resize(std::fread(text.data(), 1, text.size(), file));
     std::fclose(file);
     return load_face_from_memory(font, text.data(), static_cast<unsigned int>(text.size()),
@@ -134,7 +134,7 @@ class BoxFonts : public orv::test::Module<orv::FreeTypeGLPluginInterface> {
   }
   bool load_face_from_memory(orv::Font* font, const void* data, unsigned int size,
                              float pixel_height) override {
-    if (!font || !data || size > kMaxFileSize) return false;
+    if (!font || !data || size > MAX_FILE_SIZE) return false;
     if (!is_initialized() || !(pixel_height > 0.0f && pixel_height <= 512.0f)) return false;
     const std::string text(static_cast<const char*>(data), size);
     auto face = std::make_unique<Face>();

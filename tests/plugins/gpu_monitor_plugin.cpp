@@ -17,33 +17,33 @@ using orv::gpuTemperature;
 using orv::test::copy_text;
 using orv::test::tell;
 
-constexpr unsigned int kNumGpus = 2;
-constexpr unsigned int kNumSensors = 2;
-constexpr const char* kSensorNames[kNumSensors] = {"chip", "memory"};
-constexpr float kDefaultLimit = 83.0f;
-constexpr float kDefaultPower = 200.0f;
+constexpr unsigned int NUM_GPUS = 2;
+constexpr unsigned int NUM_SENSORS = 2;
+constexpr const char* SENSOR_NAMES[NUM_SENSORS] = {"chip", "memory"};
+constexpr float DEFAULT_LIMIT = 83.0f;
+constexpr float DEFAULT_POWER = 200.0f;
 
 /// Percent of load, step by step.
-constexpr float kLoads[] = {10.0f, 50.0f, 100.0f, 60.0f};
+constexpr float LOADS[] = {10.0f, 50.0f, 100.0f, 60.0f};
 
 struct Simulated {
   bool is_large = false;
   GPU record;
   unsigned int step = 0;
   std::chrono::steady_clock::time_point read_at;
-  float temperature_limit = kDefaultLimit;
-  float power_limit = kDefaultPower;
+  float temperature_limit = DEFAULT_LIMIT;
+  float power_limit = DEFAULT_POWER;
   int clock_offset = 0;
   unsigned int locked_low = 0, locked_high = 0;
   float fan_speed = -1.0f;  ///< below 0 while it is automatic
   double energy = 0.0;
   orv::gpuBoostv2 boost;
-  float alarms[kNumSensors] = {};
-  bool alarm_on[kNumSensors] = {};
+  float alarms[NUM_SENSORS] = {};
+  bool alarm_on[NUM_SENSORS] = {};
   std::string record_filename;
   std::vector<orv::GpuProcess> processes;
 
-  float load() const { return kLoads[step % 4]; }
+  float load() const { return LOADS[step % 4]; }
   /// Power follows the load up to the limit.
   float power() const { return std::min(power_limit, 20.0f + load() * 2.2f); }
   float temperature(unsigned int sensor) const {
@@ -75,7 +75,7 @@ struct Simulated {
     orv::gpuPower& power_ = record.power;
     power_.current = power_.board = power();
     power_.limit = power_limit;
-    power_.limit_default = kDefaultPower;
+    power_.limit_default = DEFAULT_POWER;
     power_.limit_min = 100.0f;
     power_.limit_max = 250.0f;
     power_.voltage = 1.0f;
@@ -85,8 +85,8 @@ struct Simulated {
     power_.update_max_in_test();
   }
   void reset() {
-    temperature_limit = kDefaultLimit;
-    power_limit = kDefaultPower;
+    temperature_limit = DEFAULT_LIMIT;
+    power_limit = DEFAULT_POWER;
     clock_offset = 0;
     locked_low = locked_high = 0;
     fan_speed = -1.0f;
@@ -97,7 +97,7 @@ struct Simulated {
     boost.base_clock = 1200;
     boost.boost_clock = 1800;
     boost.max_clock = 2100;
-    boost.temperature_target = kDefaultLimit;
+    boost.temperature_target = DEFAULT_LIMIT;
     boost.power_target = 100.0f;
     boost.num_points = 3;
     for (unsigned int i = 0; i < boost.num_points; ++i) {
@@ -122,8 +122,8 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
   unsigned int get_num_gpus() override { return static_cast<unsigned int>(gpus_.size()); }
   bool refresh_gpus() override {
     const bool is_first = gpus_.empty();
-    gpus_.resize(kNumGpus);
-    for (unsigned int i = 0; i < kNumGpus; ++i) {
+    gpus_.resize(NUM_GPUS);
+    for (unsigned int i = 0; i < NUM_GPUS; ++i) {
       if (is_first) gpus_[i].reset();
       make(gpus_[i], i);
     }
@@ -204,10 +204,10 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
 
   unsigned int get_num_temperatures(unsigned int gpu) override {
     const Simulated* found = find(gpu);
-    return !found ? 0 : found->is_large ? kNumSensors : 1;
+    return !found ? 0 : found->is_large ? NUM_SENSORS : 1;
   }
   const char* get_temperature_name(unsigned int gpu, unsigned int sensor) override {
-    return sensor < get_num_temperatures(gpu) ? kSensorNames[sensor] : nullptr;
+    return sensor < get_num_temperatures(gpu) ? SENSOR_NAMES[sensor] : nullptr;
   }
   bool get_temperature(unsigned int gpu, unsigned int sensor,
                        gpuTemperature* temperature) override {
@@ -389,7 +389,7 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
                              float* highest) override {
     if (!find_large(gpu)) return false;
     tell(lowest, 100.0f);
-    tell(usual, kDefaultPower);
+    tell(usual, DEFAULT_POWER);
     tell(highest, 250.0f);
     return true;
   }
@@ -565,7 +565,7 @@ class SimulatedMonitor : public orv::test::Module<orv::GpuMonitor> {
     for (unsigned int i = 0; i < get_num_temperatures(gpu.record.index); ++i) {
       const bool is_hot = gpu.alarms[i] > 0.0f && gpu.temperature(i) >= gpu.alarms[i];
       if (is_hot && !gpu.alarm_on[i]) {
-        tracef_warning("%s: %s at %.1f C", gpu.record.name, kSensorNames[i],
+        tracef_warning("%s: %s at %.1f C", gpu.record.name, SENSOR_NAMES[i],
                        static_cast<double>(gpu.temperature(i)));
       }
       gpu.alarm_on[i] = is_hot;

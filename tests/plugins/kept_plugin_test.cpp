@@ -21,14 +21,14 @@ namespace {
 using test::LogCapture;
 using test::TempFolder;
 
-constexpr const char* kModule = "plugin_orv_kept_x64.so";
+constexpr const char* MODULE = "plugin_orv_kept_x64.so";
 
 class KeptPlugin : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(core::start(nullptr, true, nullptr, nullptr));
     Kernel::get()->plugin_search_path_add_dir(ORV_TEST_DATA_DIR "/plugins/");
-    plugin_ = Kernel::get()->load_plugin(kModule, false, true);
+    plugin_ = Kernel::get()->load_plugin(MODULE, false, true);
     ASSERT_NE(plugin_, nullptr);
   }
   void TearDown() override { core::stop(nullptr); }

@@ -17,8 +17,8 @@ namespace {
 
 using orv::test::Numbered;
 
-constexpr unsigned long long kMemorySize = 64ull << 20;
-constexpr unsigned long long kMaxWorkGroup = 256;
+constexpr unsigned long long MEMORY_SIZE = 64ull << 20;
+constexpr unsigned long long MAX_WORK_GROUP = 256;
 
 struct Context {};
 
@@ -128,9 +128,9 @@ class ProcessorCL : public orv::test::Module<orv::OpenCLPlugin> {
     orv::test::copy_text(info->version, "OpenCL 1.2");
     info->type = orv::OPENCL_DEVICE_CPU;
     info->num_compute_units = 1;
-    info->max_work_group_size = kMaxWorkGroup;
-    info->memory_size = kMemorySize;
-    info->max_buffer_size = kMemorySize / 4;
+    info->max_work_group_size = MAX_WORK_GROUP;
+    info->memory_size = MEMORY_SIZE;
+    info->max_buffer_size = MEMORY_SIZE / 4;
     return true;
   }
 
@@ -140,10 +140,10 @@ class ProcessorCL : public orv::test::Module<orv::OpenCLPlugin> {
   }
   int create_buffer(int context, unsigned long long size, orv::DATA_ACCESS_TYPE access,
                     const void* initial) override {
-    if (!contexts_.find(context) || size == 0 || size > kMemorySize / 4) return 0;
+    if (!contexts_.find(context) || size == 0 || size > MEMORY_SIZE / 4) return 0;
     unsigned long long taken = 0;
     buffers_.for_each([&](int, const Buffer& buffer) { taken += buffer.bytes.size(); });
-    if (size > kMemorySize - taken) return 0;
+    if (size > MEMORY_SIZE - taken) return 0;
     Buffer buffer{context, access, std::vector<unsigned char>(size)};
     if (initial) std::memcpy(buffer.bytes.data(), initial, size);
     return buffers_.add(std::move(buffer));
@@ -217,13 +217,13 @@ class ProcessorCL : public orv::test::Module<orv::OpenCLPlugin> {
     unsigned long long num_points = 1, group = 1;
     for (unsigned int i = 0; i < num_dimensions; ++i) {
       // Every kernel writes four bytes a point, so more points fit into no buffer.
-      if (global_size[i] == 0 || global_size[i] > kMemorySize) return false;
+      if (global_size[i] == 0 || global_size[i] > MEMORY_SIZE) return false;
       num_points *= global_size[i];
-      if (num_points > kMemorySize) return false;
+      if (num_points > MEMORY_SIZE) return false;
       if (!local_size) continue;
       if (local_size[i] == 0 || global_size[i] % local_size[i] != 0) return false;
       group *= local_size[i];
-      if (group > kMaxWorkGroup) return false;
+      if (group > MAX_WORK_GROUP) return false;
     }
     return run(*kernel, static_cast<std::size_t>(num_points));
   }

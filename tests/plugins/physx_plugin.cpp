@@ -10,7 +10,7 @@ namespace {
 using namespace orv;  // NOLINT: half of the names are its
 using namespace orv::test;
 
-constexpr unsigned int kMaxSteps = 100000;
+constexpr unsigned int MAX_STEPS = 100000;
 
 class BallPhysics : public Module<PhysX>, private Simulation {
  public:
@@ -58,7 +58,7 @@ class BallPhysics : public Module<PhysX>, private Simulation {
   bool set_fixed_step(int number, float seconds, unsigned int max_steps) override {
     PhysicsScene* scene = scenes_.find(number);
     if (!scene || !is_number(seconds) || seconds < 0.0f) return false;
-    if (max_steps == 0 || max_steps > kMaxSteps) return false;
+    if (max_steps == 0 || max_steps > MAX_STEPS) return false;
     scene->fixed_step = seconds;
     scene->max_steps = max_steps;
     scene->left_over = 0.0f;
@@ -252,12 +252,12 @@ class BallPhysics : public Module<PhysX>, private Simulation {
     return true;
   }
   bool set_angular_velocity(int body, const vec3& velocity) override {
-    return is_number(velocity) && set_dynamic(body, &Body::turning, velocity * (1.0f / kDegrees));
+    return is_number(velocity) && set_dynamic(body, &Body::turning, velocity * (1.0f / DEGREES));
   }
   bool get_angular_velocity(int number, vec3* velocity) override {
     const Body* body = bodies_.find(number);
     if (!body || !velocity) return false;
-    *velocity = body->turning * kDegrees;
+    *velocity = body->turning * DEGREES;
     return true;
   }
   bool add_force(int number, const vec3& force, PHYSX_FORCE_MODE mode) override {
@@ -276,7 +276,7 @@ class BallPhysics : public Module<PhysX>, private Simulation {
   bool add_torque(int number, const vec3& torque, PHYSX_FORCE_MODE mode) override {
     Body* body = find_dynamic(number);
     return body && is_number(torque) &&
-           add_push(torque, mode, inertia(*body), kDegrees, &body->torque, &body->turning);
+           add_push(torque, mode, inertia(*body), DEGREES, &body->torque, &body->turning);
   }
   bool set_mass(int body, float kilograms) override {
     return is_number(kilograms) && kilograms > 0.0f && set_dynamic(body, &Body::mass, kilograms);

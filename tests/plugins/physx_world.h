@@ -11,7 +11,7 @@
 
 namespace orv::test {
 
-constexpr float kDegrees = 57.29577951f;  ///< in a radian
+constexpr float DEGREES = 57.29577951f;  ///< in a radian
 
 inline bool is_number(float value) { return std::isfinite(value); }
 inline bool is_number(const vec3& v) { return is_number(v.x) && is_number(v.y) && is_number(v.z); }

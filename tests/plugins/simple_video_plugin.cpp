@@ -20,7 +20,7 @@ namespace {
 
 using orv::test::Numbered;
 
-constexpr int kSoundRate = 8000;
+constexpr int SOUND_RATE = 8000;
 
 struct Video {
   unsigned int width = 0, height = 0, num_frames = 0;
@@ -35,19 +35,19 @@ struct Video {
   std::uint64_t next_sample = 0;
 
   double duration() const { return num_frames / rate; }
-  std::uint64_t num_samples() const { return static_cast<std::uint64_t>(duration() * kSoundRate); }
+  std::uint64_t num_samples() const { return static_cast<std::uint64_t>(duration() * SOUND_RATE); }
 
   void go_to(unsigned int index) {
     frame = index;
     time = index / rate;
-    next_sample = static_cast<std::uint64_t>(time * kSoundRate);
+    next_sample = static_cast<std::uint64_t>(time * SOUND_RATE);
   }
   /// Shows the picture that is due; true when it is another.
   bool show() {
     const unsigned int before = frame;
     if (loop && time >= duration()) {
       time = std::fmod(time, duration());
-      next_sample = static_cast<std::uint64_t>(time * kSoundRate);
+      next_sample = static_cast<std::uint64_t>(time * SOUND_RATE);
     }
     if (time >= duration()) {
       time = duration();
@@ -214,7 +214,7 @@ class ComputedVideo : public orv::test::Module<orv::SimpleVideo> {
     if (!is_open(video) || !data) return false;
     data->format = 5;
     data->num_channels = 1;
-    data->sample_rate = kSoundRate;
+    data->sample_rate = SOUND_RATE;
     data->bits_per_sample = 16;
     return true;
   }

@@ -189,10 +189,10 @@ TEST(Node, ManyChildrenAreReleasedInStraightTime) {
 }
 
 TEST(Node, DeepTreesAreReleasedFoundAndRemovedWithoutTheStack) {
-  constexpr int kDepth = 200000;
+  constexpr int DEPTH = 200000;
   Node* top = new Node;
   Node* bottom = top;
-  for (int i = 0; i < kDepth; ++i) {
+  for (int i = 0; i < DEPTH; ++i) {
     Node* child = new Node;
     bottom->add_child(child);
     bottom = child;

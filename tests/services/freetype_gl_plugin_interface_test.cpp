@@ -20,7 +20,7 @@ namespace orv::test {
 namespace {
 
 // Characters from the space to the umlaut u.
-constexpr char kFace[] = "BOXES 32 252";
+constexpr char FACE[] = "BOXES 32 252";
 
 using testing::Contains;
 
@@ -33,7 +33,7 @@ class FreeTypeGLModule : public LoadedModule<FreeTypeGLPluginInterface> {
   void SetUp() override {
     LoadedModule::SetUp();
     ASSERT_NE(plugin_, nullptr);
-    ASSERT_TRUE(plugin_->load_face_from_memory(font_, kFace, sizeof kFace - 1, 16.0f));
+    ASSERT_TRUE(plugin_->load_face_from_memory(font_, FACE, sizeof FACE - 1, 16.0f));
   }
   void TearDown() override {
     if (plugin_) plugin_->free_face(nullptr, font_);
@@ -63,7 +63,7 @@ TEST_F(FreeTypeGLModule, StateStandsInTheFont) {
 
 TEST_F(FreeTypeGLModule, EachFontHasAFaceOfItsOwn) {
   const Held<Font> other;
-  EXPECT_TRUE(plugin_->load_face_from_memory(other, kFace, sizeof kFace - 1, 40.0f));
+  EXPECT_TRUE(plugin_->load_face_from_memory(other, FACE, sizeof FACE - 1, 40.0f));
   EXPECT_NE(other->get_ftgl_data(), font_->get_ftgl_data());
   EXPECT_EQ(plugin_->get_pixel_height(font_), 16.0f);
   EXPECT_EQ(plugin_->get_pixel_height(other), 40.0f);
@@ -85,8 +85,8 @@ TEST_F(FreeTypeGLModule, WhatIsNoFaceLeavesTheOneBefore) {
   EXPECT_FALSE(plugin_->load_face(font_, "/nonexistent/boxes.face", 20.0f));
   EXPECT_FALSE(plugin_->load_face(font_, nullptr, 20.0f));
   EXPECT_FALSE(plugin_->load_face_from_memory(font_, "CIRCLES", 7, 20.0f));
-  EXPECT_FALSE(plugin_->load_face_from_memory(font_, kFace, sizeof kFace - 1, 0.0f));
-  EXPECT_FALSE(plugin_->load_face_from_memory(nullptr, kFace, sizeof kFace - 1, 20.0f));
+  EXPECT_FALSE(plugin_->load_face_from_memory(font_, FACE, sizeof FACE - 1, 0.0f));
+  EXPECT_FALSE(plugin_->load_face_from_memory(nullptr, FACE, sizeof FACE - 1, 20.0f));
   EXPECT_EQ(font_->get_ftgl_data(), before);
   EXPECT_EQ(plugin_->get_pixel_height(font_), 16.0f);
 }
@@ -268,12 +268,12 @@ TEST_F(FreeTypeGLModule, FontsWithoutAFaceAnswerNothing) {
 
 TEST_F(FreeTypeGLModule, TerminateFreesAllFaces) {
   const Held<Font> other;
-  EXPECT_TRUE(plugin_->load_face_from_memory(other, kFace, sizeof kFace - 1, 40.0f));
+  EXPECT_TRUE(plugin_->load_face_from_memory(other, FACE, sizeof FACE - 1, 40.0f));
   EXPECT_TRUE(plugin_->terminate());
   EXPECT_FALSE(plugin_->is_initialized());
   EXPECT_EQ(font_->get_ftgl_data(), nullptr);
   EXPECT_EQ(other->get_ftgl_data(), nullptr);
-  EXPECT_FALSE(plugin_->load_face_from_memory(other, kFace, sizeof kFace - 1, 40.0f));
+  EXPECT_FALSE(plugin_->load_face_from_memory(other, FACE, sizeof FACE - 1, 40.0f));
 }
 
 TEST_F(FreeTypeGLModule, StartNeedsInitialize) {

@@ -15,7 +15,7 @@ namespace {
 using testing::Each;
 using testing::ElementsAre;
 
-constexpr const char* kSource = R"(
+constexpr const char* SOURCE = R"(
 kernel void fill(global uint* out) { out[get_global_id(0)] = get_global_id(0); }
 kernel void add(global const float* a, global const float* b, global float* out) {
   size_t i = get_global_id(0);
@@ -48,7 +48,7 @@ class OpenCLModule : public LoadedModule<OpenCLPlugin> {
     return values;
   }
   int make_kernel(const char* name) {
-    const int program = plugin_->build_program(context_, kSource, nullptr);
+    const int program = plugin_->build_program(context_, SOURCE, nullptr);
     EXPECT_GT(program, 0);
     const int kernel = plugin_->create_kernel(program, name);
     EXPECT_GT(kernel, 0);
@@ -184,7 +184,7 @@ TEST_F(OpenCLModule, KernelsAreFoundByName) {
 }
 
 TEST_F(OpenCLModule, KernelOutlivesItsProgram) {
-  const int program = plugin_->build_program(context_, kSource, nullptr);
+  const int program = plugin_->build_program(context_, SOURCE, nullptr);
   const int kernel = plugin_->create_kernel(program, "fill");
   const int out = make_buffer({9, 9});
   EXPECT_TRUE(plugin_->release_object(program));

@@ -58,7 +58,7 @@ TEST_F(PhysXModule, ClothHangsFromItsPins) {
 TEST_F(PhysXModule, ClothLiesOnABall) {
   const Sheet sheet(2.0f);
   const int cloth = sheet.create(*plugin_, scene_);
-  const int body = plugin_->create_static_body(scene_, vec3(2, 0, 2), kUpright);
+  const int body = plugin_->create_static_body(scene_, vec3(2, 0, 2), UPRIGHT);
   plugin_->attach_shape(body, plugin_->create_sphere_shape(1.5f, 0));
   EXPECT_TRUE(plugin_->set_cloth_collision(cloth, body, true));
   go_on(0.5f);
@@ -116,7 +116,7 @@ TEST_F(PhysXModule, ClothRefusesWrongArrays) {
 
 TEST_F(PhysXModule, SceneEndsWithAllThatItOwns) {
   const int other = plugin_->create_scene(vec3(0, 0, 0));
-  const int kept = plugin_->create_static_body(other, vec3(0, 0, 0), kUpright);
+  const int kept = plugin_->create_static_body(other, vec3(0, 0, 0), UPRIGHT);
   const int ball = add_ball(vec3(0, 0, 0));
   const int cloth = Sheet(5.0f).create(*plugin_, scene_);
   const int material = plugin_->create_material(1, 1, 0);

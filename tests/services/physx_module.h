@@ -9,8 +9,8 @@
 
 namespace orv::test {
 
-constexpr float kStep = 1.0f / 240.0f;
-inline const quat kUpright;
+constexpr float STEP = 1.0f / 240.0f;
+inline const quat UPRIGHT;
 
 class PhysXModule : public LoadedModule<PhysX> {
  protected:
@@ -21,11 +21,11 @@ class PhysXModule : public LoadedModule<PhysX> {
     ASSERT_NE(plugin_, nullptr);
     scene_ = plugin_->create_scene(vec3(0, -10, 0));
     ASSERT_GT(scene_, 0);
-    ASSERT_TRUE(plugin_->set_fixed_step(scene_, kStep, 10000));
+    ASSERT_TRUE(plugin_->set_fixed_step(scene_, STEP, 10000));
   }
 
   int add_ball(const vec3& position, float radius = 0.5f, float mass = 2.0f, int material = 0) {
-    const int body = plugin_->create_dynamic_body(scene_, position, kUpright, mass);
+    const int body = plugin_->create_dynamic_body(scene_, position, UPRIGHT, mass);
     EXPECT_GT(body, 0);
     const int shape = plugin_->create_sphere_shape(radius, material);
     EXPECT_TRUE(plugin_->attach_shape(body, shape));
@@ -33,7 +33,7 @@ class PhysXModule : public LoadedModule<PhysX> {
     return body;
   }
   int add_ground(int material = 0) {
-    const int body = plugin_->create_static_body(scene_, vec3(0, 0, 0), kUpright);
+    const int body = plugin_->create_static_body(scene_, vec3(0, 0, 0), UPRIGHT);
     EXPECT_TRUE(plugin_->attach_shape(body, plugin_->create_plane_shape(material)));
     return body;
   }

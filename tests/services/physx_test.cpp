@@ -22,7 +22,7 @@ TEST_F(PhysXModule, BodiesFallAsGravityTells) {
   go_on(1.0f);
   EXPECT_NEAR(velocity(ball).y, -10.0f, 1e-3f);
   // Velocity first, then place: n steps of h fall g h^2 n (n + 1) / 2.
-  EXPECT_NEAR(place(ball).y, 100.0f - 10.0f * kStep * kStep * 240 * 241 / 2, 2e-3f);
+  EXPECT_NEAR(place(ball).y, 100.0f - 10.0f * STEP * STEP * 240 * 241 / 2, 2e-3f);
   EXPECT_EQ(place(ball).x, 1.0f);
   EXPECT_EQ(place(ball).z, 2.0f);
 }
@@ -41,11 +41,11 @@ TEST_F(PhysXModule, GravityCanBeChangedAndSwitchedOff) {
 
 TEST_F(PhysXModule, LeftOverTimeIsKept) {
   const int ball = add_ball(vec3(0, 10, 0));
-  go_on(kStep * 0.5f);
+  go_on(STEP * 0.5f);
   EXPECT_EQ(place(ball).y, 10.0f);
-  go_on(kStep * 0.5f);
+  go_on(STEP * 0.5f);
   EXPECT_LT(place(ball).y, 10.0f);
-  EXPECT_NEAR(velocity(ball).y, -10.0f * kStep, 1e-5f) << "one step";
+  EXPECT_NEAR(velocity(ball).y, -10.0f * STEP, 1e-5f) << "one step";
 }
 
 TEST_F(PhysXModule, LeftOverTimeDoesNotDrift) {
@@ -57,9 +57,9 @@ TEST_F(PhysXModule, LeftOverTimeDoesNotDrift) {
 
 TEST_F(PhysXModule, StepsOfOneCallAreBounded) {
   const int ball = add_ball(vec3(0, 10, 0));
-  EXPECT_TRUE(plugin_->set_fixed_step(scene_, kStep, 3));
+  EXPECT_TRUE(plugin_->set_fixed_step(scene_, STEP, 3));
   go_on(1.0f);
-  EXPECT_NEAR(velocity(ball).y, -30.0f * kStep, 1e-5f);
+  EXPECT_NEAR(velocity(ball).y, -30.0f * STEP, 1e-5f);
 }
 
 TEST_F(PhysXModule, StepRunsBetweenTwoCalls) {
@@ -76,15 +76,15 @@ TEST_F(PhysXModule, StepRunsBetweenTwoCalls) {
 TEST_F(PhysXModule, BodiesAreMadeAndEndedWhileAStepRuns) {
   add_ground();
   const int touching = add_ball(vec3(0, 0.4f, 0));
-  go_on(kStep);
-  EXPECT_TRUE(plugin_->simulate(scene_, kStep));
+  go_on(STEP);
+  EXPECT_TRUE(plugin_->simulate(scene_, STEP));
   EXPECT_TRUE(plugin_->destroy_body(touching));
   const int ball = add_ball(vec3(5, 5, 0));
   EXPECT_TRUE(plugin_->set_linear_velocity(ball, vec3(1, 0, 0)));
   EXPECT_TRUE(plugin_->fetch_results(scene_, true));
   EXPECT_EQ(plugin_->get_num_bodies(scene_), 2u);
   EXPECT_EQ(velocity(ball).x, 1.0f);
-  go_on(kStep);
+  go_on(STEP);
   EXPECT_EQ(plugin_->get_contacts(scene_, nullptr, 0), 0u);
 }
 
@@ -102,7 +102,7 @@ TEST_F(PhysXModule, BallComesToRestOnTheGround) {
   EXPECT_FALSE(contact.is_new);
   EXPECT_EQ(contact.normal, vec3(0, -1, 0)) << "from the ball to the ground";
   EXPECT_NEAR(contact.position.y, 0.0f, 0.01f);
-  EXPECT_NEAR(contact.impulse, 2.0f * 10.0f * kStep, 1e-3f) << "mass times gravity";
+  EXPECT_NEAR(contact.impulse, 2.0f * 10.0f * STEP, 1e-3f) << "mass times gravity";
 }
 
 TEST_F(PhysXModule, BallBouncesByItsMaterial) {
@@ -158,7 +158,7 @@ TEST_F(PhysXModule, EqualBallsExchangeTheirVelocities) {
 
 TEST_F(PhysXModule, GroupsMayPassOneAnother) {
   add_ground();
-  const int ball = plugin_->create_dynamic_body(scene_, vec3(0, 2, 0), kUpright, 1.0f);
+  const int ball = plugin_->create_dynamic_body(scene_, vec3(0, 2, 0), UPRIGHT, 1.0f);
   const int shape = plugin_->create_sphere_shape(0.5f, 0);
   EXPECT_TRUE(plugin_->set_shape_group(shape, 7));
   EXPECT_FALSE(plugin_->set_shape_group(shape, 32));
@@ -176,7 +176,7 @@ TEST_F(PhysXModule, GroupsMayPassOneAnother) {
 }
 
 TEST_F(PhysXModule, TriggersTellWhoComesAndGoes) {
-  const int gate = plugin_->create_static_body(scene_, vec3(0, 5, 0), kUpright);
+  const int gate = plugin_->create_static_body(scene_, vec3(0, 5, 0), UPRIGHT);
   const int shape = plugin_->create_sphere_shape(1.0f, 0);
   plugin_->set_shape_trigger(shape, true);
   plugin_->attach_shape(gate, shape);
@@ -212,12 +212,12 @@ TEST_F(PhysXModule, CallbackIsToldOfContacts) {
   add_ground();
   const int ball = add_ball(vec3(0, 0.45f, 0));
   EXPECT_TRUE(plugin_->set_contact_callback(scene_, note, &told));
-  go_on(kStep);
+  go_on(STEP);
   EXPECT_EQ(told.count, 1);
   EXPECT_EQ(told.scene, scene_);
   EXPECT_EQ(told.last_body, ball);
   EXPECT_TRUE(plugin_->set_contact_callback(scene_, nullptr, nullptr));
-  go_on(kStep);
+  go_on(STEP);
   EXPECT_EQ(told.count, 1);
 }
 
@@ -232,9 +232,9 @@ TEST_F(PhysXModule, ForcesPushByMass) {
   EXPECT_EQ(velocity(ball), vec3(2, 1, 0));
   EXPECT_TRUE(plugin_->add_force(ball, vec3(0, 0, 960), PHYSX_FORCE));
   EXPECT_TRUE(plugin_->add_force(ball, vec3(0, 0, 240), PHYSX_ACCELERATION));
-  go_on(kStep);
+  go_on(STEP);
   EXPECT_NEAR(velocity(ball).z, 2.0f, 1e-4f) << "1 of each, in one step of 1 / 240";
-  go_on(kStep);
+  go_on(STEP);
   EXPECT_NEAR(velocity(ball).z, 2.0f, 1e-4f) << "a force lasts one step";
   EXPECT_FALSE(plugin_->add_force(ball, vec3(1, 0, 0), static_cast<PHYSX_FORCE_MODE>(9)));
 }
@@ -256,7 +256,7 @@ TEST_F(PhysXModule, TorqueTurnsByInertia) {
   EXPECT_TRUE(plugin_->add_torque(ball, vec3(0, 0.8f, 0), PHYSX_IMPULSE));
   EXPECT_TRUE(plugin_->add_torque(ball, vec3(30, 0, 0), PHYSX_VELOCITY_CHANGE));
   EXPECT_TRUE(plugin_->add_torque(ball, vec3(0, 0, 240.0f * 45.0f), PHYSX_ACCELERATION));
-  go_on(kStep);
+  go_on(STEP);
   vec3 turning;
   EXPECT_TRUE(plugin_->get_angular_velocity(ball, &turning));
   EXPECT_NEAR(turning.y, 2.0f * 57.29578f, 1e-2f);
@@ -299,28 +299,28 @@ TEST_F(PhysXModule, DampingAndLocksSlowDown) {
 
 TEST_F(PhysXModule, KinematicBodyPushesOthers) {
   plugin_->set_gravity(scene_, vec3(0, 0, 0));
-  const int piston = plugin_->create_kinematic_body(scene_, vec3(0, 0, 0), kUpright);
+  const int piston = plugin_->create_kinematic_body(scene_, vec3(0, 0, 0), UPRIGHT);
   plugin_->attach_shape(piston, plugin_->create_sphere_shape(0.5f, 0));
   const int ball = add_ball(vec3(1.2f, 0, 0));
   for (int i = 1; i <= 60; ++i) {
     EXPECT_TRUE(
-        plugin_->set_kinematic_target(piston, vec3(static_cast<float>(i) / 60.0f, 0, 0), kUpright));
-    go_on(kStep);
+        plugin_->set_kinematic_target(piston, vec3(static_cast<float>(i) / 60.0f, 0, 0), UPRIGHT));
+    go_on(STEP);
   }
   EXPECT_EQ(place(piston), vec3(1, 0, 0));
   EXPECT_NEAR(velocity(ball).x, 4.0f, 0.1f) << "as fast as the piston";
   EXPECT_GE(place(ball).x, 2.0f - 1e-3f);
-  EXPECT_FALSE(plugin_->set_kinematic_target(ball, vec3(0, 0, 0), kUpright));
+  EXPECT_FALSE(plugin_->set_kinematic_target(ball, vec3(0, 0, 0), UPRIGHT));
   EXPECT_FALSE(plugin_->set_linear_velocity(piston, vec3(0, 0, 0)));
 }
 
 TEST_F(PhysXModule, ShapesStandBesideTheirBody) {
-  const int body = plugin_->create_static_body(scene_, vec3(0, 5, 0), kUpright);
+  const int body = plugin_->create_static_body(scene_, vec3(0, 5, 0), UPRIGHT);
   const int shape = plugin_->create_sphere_shape(1.0f, 0);
-  EXPECT_TRUE(plugin_->set_shape_pose(shape, vec3(3, 0, 0), kUpright));
+  EXPECT_TRUE(plugin_->set_shape_pose(shape, vec3(3, 0, 0), UPRIGHT));
   EXPECT_TRUE(plugin_->attach_shape(body, shape));
   EXPECT_FALSE(plugin_->attach_shape(body, shape)) << "it has it";
-  EXPECT_FALSE(plugin_->set_shape_pose(shape, vec3(0, 0, 0), kUpright)) << "in use";
+  EXPECT_FALSE(plugin_->set_shape_pose(shape, vec3(0, 0, 0), UPRIGHT)) << "in use";
   EXPECT_EQ(cast(vec3(3, 5, 10), vec3(0, 0, -1)).distance, 9.0f);
   EXPECT_EQ(cast(vec3(0, 5, 10), vec3(0, 0, -1)).body, 0);
   EXPECT_TRUE(plugin_->detach_shape(body, shape));
@@ -354,8 +354,8 @@ TEST_F(PhysXModule, BodyIsPutElsewhere) {
   quat rotation;
   EXPECT_TRUE(plugin_->get_body_pose(ball, nullptr, &rotation));
   EXPECT_EQ(place(ball), vec3(7, 8, 9));
-  EXPECT_EQ(rotation, kUpright) << "brought to length 1";
-  EXPECT_FALSE(plugin_->set_body_pose(ball, vec3(0, NAN, 0), kUpright));
+  EXPECT_EQ(rotation, UPRIGHT) << "brought to length 1";
+  EXPECT_FALSE(plugin_->set_body_pose(ball, vec3(0, NAN, 0), UPRIGHT));
   EXPECT_FALSE(plugin_->set_body_pose(ball, vec3(0, 0, 0), quat(0, 0, 0, 0)));
   EXPECT_EQ(place(ball), vec3(7, 8, 9));
 }
@@ -438,18 +438,17 @@ TEST_F(PhysXModule, SweepStopsAtTheSurface) {
   const int ground = add_ground(), ball = add_ball(vec3(5, 2, 0));
   const int probe = plugin_->create_sphere_shape(0.25f, 0);
   PhysXHit hit;
-  EXPECT_TRUE(
-      plugin_->sweep(scene_, probe, vec3(0, 3, 0), kUpright, vec3(0, -1, 0), 10, ~0u, &hit));
+  EXPECT_TRUE(plugin_->sweep(scene_, probe, vec3(0, 3, 0), UPRIGHT, vec3(0, -1, 0), 10, ~0u, &hit));
   EXPECT_EQ(hit.body, ground);
   EXPECT_NEAR(hit.distance, 2.75f, 1e-5f);
   EXPECT_TRUE(hit.position.is_equal(vec3(0, 0, 0), 1e-5f));
-  EXPECT_TRUE(plugin_->sweep(scene_, probe, vec3(0, 2, 0), kUpright, vec3(1, 0, 0), 10, ~0u, &hit));
+  EXPECT_TRUE(plugin_->sweep(scene_, probe, vec3(0, 2, 0), UPRIGHT, vec3(1, 0, 0), 10, ~0u, &hit));
   EXPECT_EQ(hit.body, ball);
   EXPECT_NEAR(hit.distance, 4.25f, 1e-5f);
   EXPECT_NEAR(hit.position.x, 4.5f, 1e-5f);
   const int plane = plugin_->create_plane_shape(0);
   EXPECT_FALSE(
-      plugin_->sweep(scene_, plane, vec3(0, 3, 0), kUpright, vec3(0, -1, 0), 10, ~0u, &hit));
+      plugin_->sweep(scene_, plane, vec3(0, 3, 0), UPRIGHT, vec3(0, -1, 0), 10, ~0u, &hit));
 }
 
 TEST_F(PhysXModule, OverlapFindsEachBodyOnce) {
@@ -458,15 +457,15 @@ TEST_F(PhysXModule, OverlapFindsEachBodyOnce) {
   add_ball(vec3(9, 0.9f, 0));
   const int probe = plugin_->create_sphere_shape(1.0f, 0);
   std::vector<int> bodies(8, -1);
-  ASSERT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), kUpright, PhysX::ALL_GROUPS,
+  ASSERT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), UPRIGHT, PhysX::ALL_GROUPS,
                              bodies.data(), 8),
             3u);
   bodies.resize(3);
   EXPECT_THAT(bodies, ElementsAre(ground, first, second));
-  EXPECT_EQ(plugin_->overlap(scene_, probe, vec3(0, 50, 0), kUpright, PhysX::ALL_GROUPS,
-                             bodies.data(), 3),
-            0u);
-  EXPECT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), kUpright, PhysX::ALL_GROUPS,
+  EXPECT_EQ(
+      plugin_->overlap(scene_, probe, vec3(0, 50, 0), UPRIGHT, PhysX::ALL_GROUPS, bodies.data(), 3),
+      0u);
+  EXPECT_EQ(plugin_->overlap(scene_, probe, vec3(0.5f, 0.9f, 0), UPRIGHT, PhysX::ALL_GROUPS,
                              bodies.data(), 2),
             2u);
 }
@@ -531,7 +530,7 @@ TEST_F(PhysXModule, UnknownNumbersDoNothing) {
   EXPECT_EQ(result, vec3(1, 2, 3));
   EXPECT_FALSE(plugin_->simulate(ball, 1.0f)) << "a body is no scene";
   EXPECT_FALSE(plugin_->get_body_matrix(ball, nullptr));
-  EXPECT_EQ(plugin_->create_dynamic_body(scene_, vec3(0, 0, 0), kUpright, 0.0f), 0);
+  EXPECT_EQ(plugin_->create_dynamic_body(scene_, vec3(0, 0, 0), UPRIGHT, 0.0f), 0);
   EXPECT_EQ(plugin_->create_sphere_shape(-1.0f, 0), 0);
   EXPECT_EQ(plugin_->create_sphere_shape(1.0f, 999), 0) << "no such material";
   EXPECT_FALSE(plugin_->attach_shape(ball, plugin_->create_plane_shape(0))) << "it would fall";

@@ -20,15 +20,15 @@ namespace orv::platform {
 namespace {
 
 #if defined(__x86_64__)
-constexpr Elf64_Half kMachine = EM_X86_64;
+constexpr Elf64_Half MACHINE = EM_X86_64;
 #elif defined(__aarch64__)
-constexpr Elf64_Half kMachine = EM_AARCH64;
+constexpr Elf64_Half MACHINE = EM_AARCH64;
 #else
 #error "name the ELF machine of this architecture here"
 #endif
 
 /// Enough for the file header and every program header that compilers write.
-constexpr size_t kHeadBytes = 64 * 1024;
+constexpr size_t HEAD_BYTES = 64 * 1024;
 
 bool fits(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
   return offset <= size && length <= size - offset;
@@ -39,7 +39,7 @@ const char* fault_of_header(const Elf64_Ehdr& header) {
   if (header.e_ident[EI_CLASS] != ELFCLASS64 || header.e_ident[EI_DATA] != ELFDATA2LSB) {
     return "not 64 bit, little endian";
   }
-  if (header.e_machine != kMachine) return "built for another machine";
+  if (header.e_machine != MACHINE) return "built for another machine";
   if (header.e_type != ET_DYN) return "not a shared library";
   if (header.e_phentsize != sizeof(Elf64_Phdr) || header.e_phnum == 0) return "no program headers";
   return nullptr;
@@ -92,7 +92,7 @@ bool check_module_file(const char* path, std::string& error) {
   struct stat status {};
   bool good = fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
   if (good) {
-    std::vector<unsigned char> head(kHeadBytes);
+    std::vector<unsigned char> head(HEAD_BYTES);
     const ssize_t got = read(fd, head.data(), head.size());
     good = check_module_head(head.data(), got > 0 ? static_cast<size_t>(got) : 0,
                              static_cast<std::uint64_t>(status.st_size), error);

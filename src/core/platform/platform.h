@@ -14,7 +14,7 @@ void sleep_milliseconds(unsigned int ms);
 [[noreturn]] void exit_thread();
 
 /// Ticks of the fine counter per second.
-constexpr std::uint64_t kCounterFrequency = 10'000'000;
+constexpr std::uint64_t COUNTER_FREQUENCY = 10'000'000;
 /// Fine counter, which never goes back.
 std::uint64_t read_counter();
 /// Coarse millisecond clock, wrapping at 32 bits.
@@ -30,7 +30,7 @@ LocalTime read_local_time();
 // ---- dynamic libraries ----
 
 /// Suffix of modules: architecture and file type.
-constexpr const char* kModuleSuffix = "_x64.so";
+constexpr const char* MODULE_SUFFIX = "_x64.so";
 
 /// Null when the library cannot be loaded; `error`, when not null, then tells the cause.
 void* open_library(const char* path, std::string* error = nullptr);

@@ -64,7 +64,7 @@ TEST(Platform, CounterAndTickAgree) {
   sleep_milliseconds(20);
   const auto by_tick = static_cast<double>(read_tick() - tick);
   const auto by_counter = static_cast<double>(read_counter() - counter) * 1000.0 /
-                          static_cast<double>(kCounterFrequency);
+                          static_cast<double>(COUNTER_FREQUENCY);
   EXPECT_GE(by_counter, 20.0);
   EXPECT_NEAR(by_tick, by_counter, 50.0);
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* kModule = "plugin_orv_off_x64.so";
+constexpr const char* MODULE = "plugin_orv_off_x64.so";
 
 int fail(const char* what) {
   std::printf("failed: %s\n", what);
@@ -54,15 +54,15 @@ bool refuses_wrong_numbers(const std::string& work) {
 
 int run(const std::string& modules, const std::string& models, const std::string& work) {
   orv::Kernel* kernel = orv::Kernel::get();
-  if (kernel->load_plugin(kModule, false, true)) return fail("found with an empty path");
+  if (kernel->load_plugin(MODULE, false, true)) return fail("found with an empty path");
   if (count_triangles(models, "cube.off") != 0) return fail("somebody else reads OFF files");
   kernel->plugin_search_path_add_dir("/nowhere/");
   kernel->plugin_search_path_add_dir(modules.c_str());
-  orv::Plugin* plugin = kernel->load_plugin(kModule, false, true);
+  orv::Plugin* plugin = kernel->load_plugin(MODULE, false, true);
   if (!plugin) return fail("not loaded");
   if (plugin->get_type() != orv::PLUGIN_TYPE_LOADER3D) return fail("type");
   if (std::string(plugin->get_name()) != "OFF") return fail("name");
-  if (plugin->get_full_filename() != modules + kModule) return fail("path");
+  if (plugin->get_full_filename() != modules + MODULE) return fail("path");
   if (count_triangles(models, "cube.off") != 12) return fail("the cube has 12 triangles");
   if (!refuses_cut_files(models, work)) return fail("a cut file gave a model");
   if (!refuses_wrong_numbers(work)) return fail("a wrong file gave a model");
@@ -71,7 +71,7 @@ int run(const std::string& modules, const std::string& models, const std::string
   std::ifstream maps("/proc/self/maps");
   const std::string mapped((std::istreambuf_iterator<char>(maps)),
                            std::istreambuf_iterator<char>());
-  if (mapped.find(kModule) != std::string::npos) return fail("still mapped");
+  if (mapped.find(MODULE) != std::string::npos) return fail("still mapped");
   if (count_triangles(models, "cube.off") != 0) return fail("read after unloading");
   return 0;
 }
