@@ -75,9 +75,9 @@ bool Polyline::initialize(unsigned int n, LINE_RENDER_MODE mode) {
 }
 
 bool Polyline::initialize_v2(unsigned int n, PRIMITIVE_TYPE primitive) {
-  if (!polyline_data_) return false;
+  if (!alloc_vertex_data(n)) return false;
   polyline_data_->set_primitive_type(primitive);
-  return alloc_vertex_data(n);
+  return true;
 }
 
 bool Polyline::start_shape(unsigned long long n, PRIMITIVE_TYPE primitive) {

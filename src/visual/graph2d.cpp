@@ -21,7 +21,6 @@ struct Plot {
   Curve* curve;
   std::vector<vec4> scalars = {};
   unsigned long long forgotten = 0;  ///< values that were added before those
-  bool placed_by_hand = false;
 
   unsigned int num_vertices() const { return curve->get_num_vertices(nullptr); }
   void add(const vec4& value);
@@ -76,13 +75,10 @@ bool Graph2dData::sync(const Plot& plot) const {
   const vec4* scalar = plot.scalars.data() + (num_scalars - shown);
   const float step = (plot_end.x - plot_start.x) / static_cast<float>(num_vertices);
   const vec4 offset = shift();
-  vec4 place;
-  for (unsigned int i = 0; i < num_vertices; ++i) {
-    if (i < shown) {
-      place = vec4(plot_start.x + step * static_cast<float>(i) - offset.x,
-                   scalar[i].y + plot_start.y - offset.y, scalar[i].z, scalar[i].w);
-    }
-    plot.curve->set_vertex_position(i, place);
+  for (unsigned int i = 0; i < shown; ++i) {
+    plot.curve->set_vertex_position(i, plot_start.x + step * static_cast<float>(i) - offset.x,
+                                    scalar[i].y + plot_start.y - offset.y, scalar[i].z,
+                                    scalar[i].w);
   }
   plot.curve->get_polyline_data()->set_vertex_draw_range(0, static_cast<int>(num_vertices));
   return true;
@@ -184,10 +180,8 @@ bool Graph2d::set_curve_color(unsigned int curve, float r, float g, float b, flo
 }
 
 bool Graph2d::set_curve_value(unsigned int curve, unsigned int index, const vec4& value) {
-  Plot* plot = data_->plot(curve);
-  if (!plot || !plot->curve->set_value(index, value)) return false;
-  plot->placed_by_hand = true;
-  return true;
+  const Plot* plot = data_->plot(curve);
+  return plot && plot->curve->set_value(index, value);
 }
 
 bool Graph2d::set_curve_value(unsigned int curve, unsigned int index, float x, float y, float z,
@@ -214,8 +208,7 @@ bool Graph2d::draw_axis(Renderer* renderer) {
 
 bool Graph2d::draw_curve(Renderer* renderer, unsigned int curve) {
   const Plot* plot = data_->plot(curve);
-  if (!renderer || !plot) return false;
-  if (!data_->sync(*plot) && !plot->placed_by_hand) return false;
+  if (!renderer || !plot || !data_->sync(*plot)) return false;
   plot->curve->render(renderer, nullptr);
   return true;
 }

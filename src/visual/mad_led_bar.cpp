@@ -96,11 +96,11 @@ bool MadLedBar::set_led_color(unsigned int led, float r, float g, float b, float
 }
 
 void MadLedBar::_vp_update_leds_positions() {
+  const vec3 way = data_->end - data_->start;
   const auto n = static_cast<float>(data_->num_leds);
   for (unsigned int i = 0; i < data_->num_leds; ++i) {
-    const float t = static_cast<float>(i) / n;
-    data_->vertex_pool->set_vertex_position(i,
-                                            vec4(data_->start + (data_->end - data_->start) * t));
+    const vec3 share = way * static_cast<float>(i) / vec3(n, n, n);
+    data_->vertex_pool->set_vertex_position(i, vec4(data_->start + share));
   }
 }
 

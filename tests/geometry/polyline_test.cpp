@@ -65,6 +65,14 @@ TEST(Polyline, InitializeV2TakesAnyPrimitive) {
   EXPECT_EQ(line->get_polyline_data()->get_primitive_type(), PRIMITIVE_POINTS);
 }
 
+TEST(Polyline, InitializeThatFailsKeepsThePrimitive) {
+  const Held<Polyline> line;
+  const PRIMITIVE_TYPE before = line->get_polyline_data()->get_primitive_type();
+  ASSERT_NE(before, PRIMITIVE_POINTS);
+  EXPECT_FALSE(line->initialize_v2(0, PRIMITIVE_POINTS));
+  EXPECT_EQ(line->get_polyline_data()->get_primitive_type(), before);
+}
+
 TEST(Polyline, AllocationFailuresAreReported) {
   const LogCapture log(LOG_LEVEL_ERROR);
   const Held<Polyline> line;

@@ -60,14 +60,63 @@ TEST_F(WideLine, InitializeMakesVerticesPointsAndProgram) {
 
 TEST_F(WideLine, ShadersTakeColorsFromTheFirstTwoInputsAndDepthZero) {
   ASSERT_TRUE(line->wideline_initialize(&renderer, 5, 3.0f));
-  std::string geometry;
-  for (const std::string& call : renderer.calls()) {
-    if (call.find("lines_adjacency") != std::string::npos) geometry = call;
-  }
-  EXPECT_THAT(geometry, HasSubstr("vcolor = Vertex_Color[0];"));
-  EXPECT_THAT(geometry, HasSubstr("vcolor = Vertex_Color[1];"));
-  EXPECT_THAT(geometry, Not(HasSubstr("vcolor = Vertex_Color[2]")));
-  EXPECT_THAT(geometry, HasSubstr("(outPosition - perp) / screen_size, 0.0, 1.0)"));
+  const auto source = [&](GPU_SHADER_TYPE type) {
+    return std::string(state().program->get_shader_source_code(type));
+  };
+  EXPECT_EQ(source(GPU_SHADER_VERTEX),
+            "#version 150\n"
+            "in vec4 orvex_Position;\n"
+            "in vec4 orvex_Color;\n"
+            "out vec4 Vertex_Color;\n"
+            "uniform mat4 orvex_ModelViewProjectionMatrix;\n"
+            "void main()\n"
+            "{\n"
+            "  gl_Position = orvex_ModelViewProjectionMatrix * orvex_Position;\n"
+            "  Vertex_Color = orvex_Color;\n"
+            "}");
+  EXPECT_EQ(source(GPU_SHADER_GEOMETRY),
+            "#version 150\n"
+            "uniform vec4 orvex_Viewport;\n"
+            "uniform float line_width;\n"
+            "layout (lines_adjacency) in;\n"
+            "layout (triangle_strip,max_vertices=4) out;\n"
+            "in vec4 Vertex_Color[];\n"
+            "out vec4 vcolor;\n"
+            "out vec2 vtex;\n"
+            "vec2 screen_space(vec4 vertex, vec2 screen_dim)\n"
+            "{ return vec2(vertex.xy / vertex.w) * screen_dim; }\n"
+            "void main( void )\n"
+            "{\n"
+            "  vec2 screen_size = orvex_Viewport.zw;\n"
+            "  vec2 inPosition = screen_space(gl_in[1].gl_Position, screen_size);\n"
+            "  vec2 outPosition = screen_space(gl_in[2].gl_Position, screen_size);\n"
+            "  vec2 lineDir = normalize(outPosition - inPosition);\n"
+            "  vec2 perp = vec2(-lineDir.y, lineDir.x) * line_width;\n"
+            "  gl_Position = vec4((inPosition + perp) / screen_size, 0.0, 1.0);\n"
+            "  vtex = vec2(0, 0);\n"
+            "  vcolor = Vertex_Color[0];\n"
+            "  EmitVertex();\n"
+            "  gl_Position = vec4((inPosition - perp) / screen_size, 0.0, 1.0);\n"
+            "  vtex = vec2(0, 1);\n"
+            "  vcolor = Vertex_Color[0];\n"
+            "  EmitVertex();\n"
+            "  gl_Position = vec4((outPosition + perp) / screen_size, 0.0, 1.0);\n"
+            "  vtex = vec2(0, 0);\n"
+            "  vcolor = Vertex_Color[1];\n"
+            "  EmitVertex();\n"
+            "  gl_Position = vec4((outPosition - perp) / screen_size, 0.0, 1.0);\n"
+            "  vtex = vec2(0, 1);\n"
+            "  vcolor = Vertex_Color[1];\n"
+            "  EmitVertex();\n"
+            "  EndPrimitive();\n"
+            "}");
+  EXPECT_EQ(source(GPU_SHADER_PIXEL),
+            "#version 150\n"
+            "in vec4 vcolor;\n"
+            "in vec2 vtex;\n"
+            "out vec4 FragColor;\n"
+            "void main()\n"
+            "{ FragColor = vcolor; }\n");
 }
 
 TEST_F(WideLine, WithoutARendererThereIsNoProgram) {

@@ -143,16 +143,17 @@ TEST(Graph2d, MoreScalarsThanVerticesShowTheNewest) {
   EXPECT_EQ(graph->curve_get_diff_points(0), 2u);
 }
 
-TEST(Graph2d, FewerScalarsThanVerticesEndAtTheNewest) {
+TEST(Graph2d, VerticesBeyondTheScalarsStayWhereTheyAre) {
   const Held<Graph2d> graph;
   Curve* curve = graph->create_curve(4);
   graph->set_plot_range(vec4(), vec4(4, 0, 0, 1));
+  EXPECT_TRUE(graph->set_curve_value(0, 2, vec4(7, 7, 0, 1)));
   graph->add_curve_scalar(0, 5.0f);
   graph->add_curve_scalar(0, 6.0f);
   curve->get_polyline_data()->set_vertex_draw_range(1, 1);
   EXPECT_TRUE(graph->sync_curve_scalars(0));
   EXPECT_THAT(vertices(*curve, 4),
-              ElementsAre(vec4(0, 5, 0, 1), vec4(1, 6, 0, 1), vec4(1, 6, 0, 1), vec4(1, 6, 0, 1)));
+              ElementsAre(vec4(0, 5, 0, 1), vec4(1, 6, 0, 1), vec4(7, 7, 0, 1), vec4(0, 0, 0, 1)));
   EXPECT_EQ(curve->get_polyline_data()->get_draw_start(), 0);
   EXPECT_EQ(curve->get_polyline_data()->get_draw_count(), 4);
   EXPECT_EQ(graph->curve_get_diff_points(0), 0u);
@@ -221,18 +222,20 @@ TEST(Graph2d, CurvesWithoutValuesAreNotDrawn) {
   EXPECT_TRUE(renderer.calls().empty());
 }
 
-TEST(Graph2d, VerticesPlacedByHandAreDrawnAsTheyAre) {
+TEST(Graph2d, VerticesPlacedByHandAreDrawnBesideValues) {
   DrawWatcher renderer;
   const Held<Graph2d> graph;
   Curve* curve = graph->create_curve(2);
   EXPECT_FALSE(graph->set_curve_value(0, 2, 1, 2, 3, 4));
-  EXPECT_FALSE(graph->draw_curve(&renderer, 0));
   EXPECT_TRUE(graph->set_curve_value(0, 0, vec4(1, 2, 3, 1)));
   EXPECT_TRUE(graph->set_curve_value(0, 1, 4, 5, 6, 1));
+  EXPECT_EQ(curve->get_value_vec4(1), vec4(4, 5, 6, 1));
+  EXPECT_FALSE(graph->draw_curve(&renderer, 0)) << "no values were added";
+  EXPECT_TRUE(renderer.draws.empty());
+  graph->add_curve_scalar(0, 8.0f);
   EXPECT_TRUE(graph->draw_curve(&renderer, 0));
   ASSERT_EQ(renderer.draws.size(), 1u);
-  EXPECT_THAT(renderer.draws[0].positions, ElementsAre(vec4(1, 2, 3, 1), vec4(4, 5, 6, 1)));
-  EXPECT_EQ(curve->get_value_vec4(1), vec4(4, 5, 6, 1));
+  EXPECT_THAT(renderer.draws[0].positions, ElementsAre(vec4(0, 8, 0, 1), vec4(4, 5, 6, 1)));
 }
 
 TEST(Graph2d, RenderDrawsTheAxesThenTheCurvesInTheirOrder) {

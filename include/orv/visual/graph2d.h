@@ -60,8 +60,9 @@ class ORV_API Graph2d : public Object {
   unsigned int add_curve_position(unsigned int curve, const vec4& position);
   /// Puts the vertices of a curve to its newest values, as drawing does: from left to right over
   /// the plot range, the step being its width by the number of vertices; the range's start gives
-  /// the height of value 0. Vertices without a value lie on the newest one. False when there is no
-  /// such curve and when it has no values or no vertices.
+  /// the height of value 0. Vertices beyond the values stay where they are: at the origin, or where
+  /// set_curve_value put them. False when there is no such curve and when it has no values or no
+  /// vertices.
   bool sync_curve_scalars(unsigned int curve);
   /// How many values are too old to be shown: those added less the vertices, 0 while all are shown
   /// and when there is no such curve.
@@ -70,8 +71,8 @@ class ORV_API Graph2d : public Object {
   bool set_curve_color(unsigned int curve, float r, float g, float b, float a);
 
   /// @{
-  /// Curve::set_value: places a vertex by hand, for curves to which no values are added. False when
-  /// there is no such curve or vertex.
+  /// Curve::set_value: places a vertex by hand. Drawing moves it when there is a value for it.
+  /// False when there is no such curve or vertex.
   bool set_curve_value(unsigned int curve, unsigned int index, const vec4& value);
   bool set_curve_value(unsigned int curve, unsigned int index, float x, float y, float z, float w);
   /// @}
@@ -81,7 +82,7 @@ class ORV_API Graph2d : public Object {
   /// Draws the two axes. False after _cleanup.
   bool draw_axis(Renderer* renderer);
   /// sync_curve_scalars, then draws the curve. Nothing is drawn, and the result is false, when
-  /// there is no such curve and when it has neither values nor a vertex placed by hand.
+  /// there is no such curve and when no values were added to it.
   bool draw_curve(Renderer* renderer, unsigned int curve);
   /// Draws all curves in the order of creation. True.
   bool draw_all_curves(Renderer* renderer);

@@ -10,6 +10,7 @@
 
 #include "geometry/limits.h"
 #include "geometry/primitives/shape_build.h"
+#include "scene/node_data.h"
 
 namespace orv {
 
@@ -21,6 +22,23 @@ struct MeshTerrainData {
   int buffer_size = 0;  // texels of a row
   int buffer_rows = 0;
   std::vector<float> height_buffer;
+  ChildList textures{nullptr};  // one at most; forgets it when it ends
+
+  Texture* texture() const { return static_cast<Texture*>(textures.at(0)); }
+  void set_texture(Texture* texture) {
+    textures.clear();
+    if (texture) textures.append(texture);
+  }
+  void copy(const MeshTerrainData& other) {
+    resolution = other.resolution;
+    height_scale = other.height_scale;
+    half_size = other.half_size;
+    min_height = other.min_height;
+    buffer_size = other.buffer_size;
+    buffer_rows = other.buffer_rows;
+    height_buffer = other.height_buffer;
+    set_texture(other.texture());
+  }
 };
 
 // ---- life ----
@@ -38,7 +56,7 @@ MeshTerrain::MeshTerrain(const MeshTerrain& other) : MeshTerrain() { *this = oth
 MeshTerrain& MeshTerrain::operator=(const MeshTerrain& other) {
   if (this == &other) return *this;
   Mesh::operator=(other);
-  *terrain_ = *other.terrain_;
+  terrain_->copy(*other.terrain_);
   return *this;
 }
 
@@ -57,8 +75,7 @@ bool MeshTerrain::set_build_params(Texture* texture, int resolution, float heigh
   terrain_->height_scale = height_scale;
   terrain_->half_size = half_size;
   terrain_->min_height = min_height;
-  // Now and not in the build, by when the texture may be gone.
-  if (terrain_->height_buffer.empty()) init_terrain_buffer(texture);
+  terrain_->set_texture(texture);
   update_build_state(true);
   return true;
 }
@@ -137,6 +154,7 @@ bool MeshTerrain::_build_terrain(int resolution, float height_scale, float half_
   const std::uint64_t cells =
       static_cast<std::uint64_t>(resolution) * static_cast<std::uint64_t>(resolution);
   if (!begin_shape(*this, side * side, cells * 2)) return false;
+  if (terrain_->height_buffer.empty()) init_terrain_buffer(terrain_->texture());
   MeshData& data = *get_mesh_data();
 
   const auto height_at = [&](int i, int j) {

@@ -152,13 +152,41 @@ TEST(MeshTerrain, HeightsAreKeptUntilTheBufferIsMadeAnew) {
   EXPECT_EQ(height_of(*terrain, 0), 9.0f);
 }
 
-TEST(MeshTerrain, TheTextureMayGoBeforeTheBuild) {
-  auto heights = std::make_unique<HeightTexture>(1, 1, std::vector<float>{3});
+TEST(MeshTerrain, BuildTakesTheTextureThatWasSetLast) {
+  const HeightTexture low(1, 1, {1});
+  const HeightTexture high(1, 1, {9});
   const Held<MeshTerrain> terrain;
-  terrain->set_build_params(heights->get(), 1, 1, 1, -1);
+  terrain->set_build_params(low.get(), 1, 1, 1, -1);
+  terrain->set_build_params(high.get(), 1, 1, 1, -1);
+  EXPECT_EQ(terrain->elevation(0, 0, 1, -1), 0.0f) << "nothing is copied before the build";
+  terrain->build(nullptr);
+  EXPECT_EQ(height_of(*terrain, 0), 9.0f);
+}
+
+TEST(MeshTerrain, BuildTakesThePixelsAsTheyAreThen) {
+  const HeightTexture heights(1, 1, {1});
+  const Held<MeshTerrain> terrain;
+  terrain->set_build_params(heights.get(), 1, 1, 1, -1);
+  heights.get()->get_image_ptr()->set_pixel(0, vec4(5, 0, 0, 1));
+  terrain->build(nullptr);
+  EXPECT_EQ(height_of(*terrain, 0), 5.0f);
+}
+
+TEST(MeshTerrain, TextureThatEndsBeforeTheBuildLeavesOnlyWhatWasCopied) {
+  auto heights = std::make_unique<HeightTexture>(1, 1, std::vector<float>{3});
+  const Held<MeshTerrain> flat;
+  const Held<MeshTerrain> raised;
+  flat->set_build_params(heights->get(), 1, 1, 1, -1);
+  raised->set_build_params(heights->get(), 1, 1, 1, -1);
+  raised->init_terrain_buffer(heights->get());
+  const Held<MeshTerrain> copy(*flat);
   heights.reset();
-  ASSERT_TRUE(terrain->build(nullptr));
-  EXPECT_EQ(height_of(*terrain, 0), 3.0f);
+  for (Mesh* terrain : {flat.get(), raised.get(), copy.get()}) {
+    ASSERT_TRUE(terrain->build(nullptr));
+  }
+  EXPECT_EQ(height_of(*flat, 0), 0.0f);
+  EXPECT_EQ(height_of(*raised, 0), 3.0f);
+  EXPECT_EQ(height_of(*copy, 0), 0.0f);
 }
 
 TEST(MeshTerrain, BufferNeedsATexture) {

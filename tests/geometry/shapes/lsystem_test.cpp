@@ -204,6 +204,35 @@ TEST(LSystem, NamesKeepWhatIsNoWeight) {
   EXPECT_EQ(program.rules[0][0].weight, 1.0);
 }
 
+TEST(LSystem, BuiltInProgramIsOneOfTwoLimbsThatBranch) {
+  EXPECT_STREQ(MeshParShape::get_default_lsystem_program(),
+               "  sx 2 sy 2 \n"
+               "  ry 90 rx 90 \n"
+               "  shape tube rx 15  call rlimb rx - 15 \n"
+               "  shape tube rx - 15 call llimb rx 15 \n"
+               "  shape tube ry 15  call rlimb ry - 15 \n"
+               "  shape tube ry 15  call llimb ry - 15 \n"
+               "  rule rlimb \n"
+               "   sx 0.925 sy 0.925 tz 1 rx 1.2 \n"
+               "   call rlimb2 \n"
+               "  rule rlimb2.1 \n"
+               "   shape connect \n"
+               "   call rlimb \n"
+               "  rule rlimb2.1 \n"
+               "   rx 15  shape tube call rlimb rx - 15 \n"
+               "   rx - 15 shape tube call llimb rx 15 \n"
+               "  rule rlimb.1 \n"
+               "   call llimb \n"
+               "  rule llimb.1 \n"
+               "   call rlimb \n"
+               "  rule llimb.10 \n"
+               "   sx 0.925 sy 0.925 \n"
+               "   tz 1 \n"
+               "   rx - 1.2 \n"
+               "   shape connect \n"
+               "   call llimb");
+}
+
 TEST(LSystem, BuiltInProgramHasTheRulesItNames) {
   const LSystemProgram program = parse_lsystem(MeshParShape::get_default_lsystem_program());
   EXPECT_THAT(program.names, testing::ElementsAre("entry", "rlimb", "llimb", "rlimb2"));

@@ -15,8 +15,8 @@ struct MeshTerrainData;
 /// Faces look up. The first texture coordinate runs along x, the second against z; normals are
 /// taken from the neighbouring heights; vertices are white.
 ///
-/// Heights are copied once: the texture may be freed as soon as they are. A terrain without heights
-/// is flat.
+/// Heights are copied once, by the first build or by init_terrain_buffer: the texture may be freed
+/// as soon as they are. A terrain without heights is flat.
 class ORV_API MeshTerrain : public Mesh {
  public:
   /// All parameters 0: nothing can be built.
@@ -30,8 +30,9 @@ class ORV_API MeshTerrain : public Mesh {
   MeshTerrain& operator=(const MeshTerrain& other);
 
   /// Stores the parameters for the next build. True.
-  /// @param texture       heights, copied now unless there are some already; may be null. Heights
-  /// of
+  /// @param texture       not owned, may be null: the next build copies its heights when the
+  /// terrain
+  ///                      has none yet. When it ends before, the terrain stays flat; the heights of
   ///                      another texture need init_terrain_buffer
   /// @param resolution    cells along a side; below 1 the build fails
   /// @param height_scale  scene units that the brightest texel stands for
