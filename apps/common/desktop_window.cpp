@@ -82,6 +82,10 @@ void wish_visual(const DesktopWindow::Settings& settings) {
   SDL_SetHint(SDL_HINT_VIDEO_X11_WINDOW_VISUALID, std::to_string(id).c_str());
 }
 
+bool is_typed(const SDL_KeyboardEvent& key) {
+  return key.repeat == 0 && (key.keysym.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) == 0;
+}
+
 bool translate(const SDL_Event& from, SDL_Window* window, DesktopEvent* to) {
   *to = DesktopEvent();
   switch (from.type) {
@@ -89,6 +93,7 @@ bool translate(const SDL_Event& from, SDL_Window* window, DesktopEvent* to) {
       to->kind = DesktopEvent::CLOSE;
       return true;
     case SDL_KEYDOWN:
+      if (!is_typed(from.key)) return false;
       to->kind = DesktopEvent::KEY;
       to->key = from.key.keysym.sym;
       return true;

@@ -10,7 +10,7 @@ namespace orv_app {
 struct DesktopEvent {
   enum Kind {
     CLOSE,   ///< the window is to be closed
-    KEY,     ///< a key went down, or repeats
+    KEY,     ///< a key went down; none that repeats, and none with Ctrl, Alt or the system's key
     DRAG,    ///< the mouse moved with its left button held
     WHEEL,   ///< the wheel turned
     REDRAW,  ///< the window was uncovered or has another size

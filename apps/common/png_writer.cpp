@@ -1,6 +1,9 @@
 #include "common/png_writer.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
@@ -13,6 +16,21 @@
 
 namespace orv_app {
 
+namespace {
+
+/// A full disk may show as late as in the closing.
+bool write_file(const char* path, const unsigned char* bytes, std::size_t size) {
+  std::FILE* file = std::fopen(path, "wb");
+  if (!file) return false;
+  const bool written = std::fwrite(bytes, 1, size, file) == size;
+  const int fault = errno;
+  const bool closed = std::fclose(file) == 0;
+  if (!written) errno = fault;
+  return written && closed;
+}
+
+}  // namespace
+
 bool write_png(const char* path, const unsigned char* rgba, int width, int height) {
   const std::size_t row = static_cast<std::size_t>(width) * 3;
   std::vector<unsigned char> rgb(row * static_cast<std::size_t>(height));
@@ -24,7 +42,17 @@ bool write_png(const char* path, const unsigned char* rgba, int width, int heigh
       out[2] = rgba[2];
     }
   }
-  return stbi_write_png(path, width, height, 3, rgb.data(), width * 3) != 0;
+  int size = 0;
+  unsigned char* png = stbi_write_png_to_mem(rgb.data(), width * 3, width, height, 3, &size);
+  if (!png) {
+    errno = ENOMEM;
+    return false;
+  }
+  const bool written = write_file(path, png, static_cast<std::size_t>(size));
+  const int fault = errno;
+  std::free(png);
+  errno = fault;
+  return written;
 }
 
 }  // namespace orv_app

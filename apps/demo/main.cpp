@@ -1,6 +1,7 @@
 // Renders the demo scene to a picture; with a display also shows it in a window.
 #include <orv/orv.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -67,7 +68,7 @@ bool render_picture(orv::Renderer* renderer, const Options& options) {
     reason = "OpenGL reported an error";
     if (done && !orv_app::write_png(options.output.c_str(), pixels.data(), width, height)) {
       done = false;
-      reason = "cannot write " + options.output;
+      reason = "cannot write " + options.output + ": " + std::strerror(errno);
     }
   }
   scene.destroy(renderer);

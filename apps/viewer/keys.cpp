@@ -22,7 +22,7 @@ const std::vector<KeyRow>& key_table() {
       {Action::GRID, 'g', 0, "G", "grid on and off"},
       {Action::AXES, 'a', 0, "A", "axes on and off: x red, y green, z blue"},
       {Action::SCREENSHOT, 's', 0, "S", "picture of the window to a PNG file in this folder"},
-      {Action::RELOAD, 'r', 0, "R", "load the file again"},
+      {Action::RELOAD, 'r', 0, "R", "load the file again; when broken, the last good one stays"},
       {Action::NEXT_FILE, 'n', ' ', "N, Space", "next file"},
       {Action::RESET_VIEW, 'f', 0, "F", "frame the model as at first"},
       {Action::HELP, 'h', 0, "H", "these keys"},

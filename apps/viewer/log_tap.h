@@ -17,6 +17,8 @@ class LogTap {
   /// What the library last said about the file, without its name. "" when it said nothing. Ends the
   /// keeping.
   std::string end_keeping(const std::string& path);
+  /// The lines kept last, until they are kept anew.
+  const std::vector<std::string>& get_kept() const { return lines_; }
 
  private:
   static void receive(const char* text, void* self);

@@ -6,6 +6,7 @@
 
 #include "viewer/options.h"
 #include "viewer/run_modes.h"
+#include "viewer/say.h"
 #include "viewer/viewer.h"
 
 namespace {

@@ -9,7 +9,9 @@
 #include <cstring>
 #include <fstream>
 
+#include "viewer/load_faults.h"
 #include "viewer/material_parts.h"
+#include "viewer/mesh_area.h"
 #include "viewer/mesh_normals.h"
 #include "viewer/options.h"
 
@@ -99,11 +101,11 @@ std::unique_ptr<ModelFile> ModelFile::load(const std::string& path, const Settin
   file->folder_ = folder_of(path);
   const unsigned int first_material = MaterialMgr::get()->get_num_resources();
   const unsigned int first_texture = TextureMgr::get()->get_num_resources();
-  bool loaded = file->load_meshes(log, reason) && file->measure(reason);
+  bool loaded = file->load_meshes(settings, log, reason) && file->measure(reason);
   if (loaded) {
     file->add_normals();
     file->make_parts();
-    file->load_named_textures();
+    file->load_named_textures(log);
     loaded = settings.texture.empty() || file->add_texture(settings.texture, reason);
   }
   file->materials_ = resources_from<Material>(*MaterialMgr::get(), first_material);
@@ -121,38 +123,48 @@ std::unique_ptr<ModelFile> ModelFile::load(const std::string& path, const Settin
   return file;
 }
 
-bool ModelFile::load_meshes(LogTap& log, std::string* reason) {
+bool ModelFile::refuse(const std::string& what, std::string* reason) const {
+  *reason = path_ + ": " + what;
+  if (!fault_.empty()) *reason += ": " + fault_;
+  return false;
+}
+
+bool ModelFile::load_meshes(const Settings& settings, LogTap& log, std::string* reason) {
   const std::string name = name_of(path_);
-  std::string why = check_file(path_);
-  if (why.empty() && !is_supported(name)) {
-    why = "unsupported kind of file (known are .obj, .3ds and .stl)";
-  }
-  if (!why.empty()) {
-    *reason = path_ + ": " + why;
-    return false;
+  const std::string why = check_file(path_);
+  if (!why.empty()) return refuse(why, reason);
+  if (!is_supported(name)) {
+    return refuse("unsupported kind of file (known are .obj, .3ds and .stl)", reason);
   }
   retire_material_names();
+  read_model(settings.whole_only, log);
+  if (!model_) return refuse("broken file", reason);
+  find_meshes(*model_);
+  const bool is_stl = has_extension(name, ".stl");
+  if (meshes_.empty() && is_stl && starts_with_solid(path_)) {
+    fault_.clear();
+    return refuse("unsupported kind of file: STL in text form (binary is read)", reason);
+  }
+  if (meshes_.empty()) return refuse("broken or empty file: no triangles in it", reason);
+  if (is_stl) fault_ = find_missing_records(path_);
+  if (!fault_.empty() && settings.whole_only) return refuse("broken file", reason);
+  if (!fault_.empty()) warn("shown as far as it can be read: " + fault_);
+  return true;
+}
+
+void ModelFile::read_model(bool whole_only, LogTap& log) {
+  const std::string name = name_of(path_);
   const bool is_obj = has_extension(name, ".obj");
   log.begin_keeping();
   model_ = is_obj ? load_with_exact_loader(name, folder_) : load_with_any_loader(name, folder_);
   const std::string said = log.end_keeping(folder_ + name);
-  if (!model_ && is_obj) {
-    // The other loader takes more liberties with files that this one refuses.
-    model_ = load_with_any_loader(name, folder_);
-    warning_ = path_ + ": shown as far as it can be read: " + said;
+  if (model_) {
+    fault_ = find_fault(log.get_kept(), folder_ + name);
+    return;
   }
-  if (!model_) {
-    *reason = path_ + ": broken file: " + (said.empty() ? "no loader takes it" : said);
-    return false;
-  }
-  find_meshes(*model_);
-  if (!meshes_.empty()) return true;
-  if (has_extension(name, ".stl") && starts_with_solid(path_)) {
-    *reason = path_ + ": unsupported kind of file: STL in text form (binary is read)";
-  } else {
-    *reason = path_ + ": broken or empty file: no triangles in it";
-  }
-  return false;
+  fault_ = said.empty() ? "no loader takes it" : said;
+  // The other loader takes more liberties with files that this one refuses.
+  if (is_obj && !whole_only) model_ = load_with_any_loader(name, folder_);
 }
 
 void ModelFile::find_meshes(orv::Node& node) {
@@ -175,14 +187,18 @@ bool ModelFile::measure(std::string* reason) {
     const orv::BoundingVolume& volume = mesh->bounding_volume_get();
     box_.add({volume.global_box_min, volume.global_box_max});
   }
-  if (!box_.is_usable()) {
-    *reason = path_ + ": broken file: its vertices have no finite bounds";
-  } else if (box_.min.is_equal(box_.max, 0.0f)) {
-    *reason = path_ + ": broken file: all its vertices are at one place";
-  } else {
-    return true;
+  if (!box_.is_usable()) return refuse("broken file: its vertices have no finite bounds", reason);
+  if (box_.min.is_equal(box_.max, 0.0f)) {
+    return refuse("broken file: all its vertices are at one place", reason);
   }
-  return false;
+  if (has_area()) return true;
+  const std::string what = fault_.empty() ? "nothing to show" : "broken file";
+  return refuse(what + ": none of its triangles has an area", reason);
+}
+
+bool ModelFile::has_area() const {
+  return std::any_of(meshes_.begin(), meshes_.end(),
+                     [](Mesh* mesh) { return has_visible_triangle(*mesh); });
 }
 
 void ModelFile::add_normals() {
@@ -199,40 +215,23 @@ void ModelFile::make_parts() {
 
 // ---- textures ----------------------------------------------------------------------------------
 
-namespace {
-
-unsigned int count_texture_names(const std::vector<Part>& parts, std::string* first) {
-  unsigned int count = 0;
-  std::vector<const Material*> counted;
-  for (const Part& part : parts) {
-    if (!part.material) continue;
-    if (part.material->async_loading_get_num_texture_filenames() == 0) continue;
-    if (std::find(counted.begin(), counted.end(), part.material) != counted.end()) continue;
-    counted.push_back(part.material);
-    if (count == 0) *first = part.material->async_loading_get_texture_filename(0);
-    count += part.material->async_loading_get_num_texture_filenames();
-  }
-  return count;
-}
-
-}  // namespace
-
-void ModelFile::load_named_textures() {
-  std::string first;
-  const unsigned int wanted = count_texture_names(parts_, &first);
-  const unsigned int before = TextureMgr::get()->get_num_resources();
+void ModelFile::load_named_textures(LogTap& log) {
+  log.begin_keeping();
   model_->async_texture_loading_process_all_materials(nullptr, folder_.c_str(), orv::PF_RGBA_U8,
                                                       false, model_);
-  const unsigned int loaded = TextureMgr::get()->get_num_resources() - before;
-  if (loaded >= wanted) return;
-  if (!warning_.empty()) return;
-  warning_ = path_ + ": ";
-  if (wanted == 1) {
-    warning_ += "cannot load its texture " + first;
+  log.end_keeping({});
+  const TextureReport report = report_textures(log.get_kept(), folder_);
+  if (report.num_missing == 0) return;
+  if (report.num_wanted == 1) {
+    warn("cannot load its texture " + report.first_missing);
   } else {
-    warning_ += "cannot load " + std::to_string(wanted - loaded) + " of its " +
-                std::to_string(wanted) + " textures";
+    warn("cannot load " + std::to_string(report.num_missing) + " of its " +
+         std::to_string(report.num_wanted) + " textures, first " + report.first_missing);
   }
+}
+
+void ModelFile::warn(const std::string& what) {
+  warning_ += (warning_.empty() ? path_ + ": " : "; ") + what;
 }
 
 bool ModelFile::add_texture(const std::string& path, std::string* reason) {

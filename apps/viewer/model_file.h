@@ -23,7 +23,8 @@ struct Part {
 class ModelFile {
  public:
   struct Settings {
-    std::string texture;  ///< for materials without one; "" for none
+    std::string texture;      ///< for materials without one; "" for none
+    bool whole_only = false;  ///< a file that can be read in part only is refused
   };
 
   /// Null with a reason, which names the file, when there is nothing to show.
@@ -44,18 +45,24 @@ class ModelFile {
   unsigned int get_num_triangles() const { return num_triangles_; }
   unsigned int get_num_vertices() const { return num_vertices_; }
   double get_load_milliseconds() const { return load_milliseconds_; }
+  /// Whether nothing of the file itself is broken; textures are files of their own.
+  bool is_whole() const { return fault_.empty(); }
   /// What is missing though the model can be shown, in one line; "" for nothing.
   const std::string& get_warning() const { return warning_; }
 
  private:
   explicit ModelFile(const std::string& path) : path_(path) {}
 
-  bool load_meshes(LogTap& log, std::string* reason);
+  bool refuse(const std::string& what, std::string* reason) const;
+  bool load_meshes(const Settings& settings, LogTap& log, std::string* reason);
+  void read_model(bool whole_only, LogTap& log);
   void find_meshes(orv::Node& node);
   bool measure(std::string* reason);
+  bool has_area() const;
   void add_normals();
   void make_parts();
-  void load_named_textures();
+  void load_named_textures(LogTap& log);
+  void warn(const std::string& what);
   bool add_texture(const std::string& texture, std::string* reason);
 
   std::string path_;
@@ -69,6 +76,7 @@ class ModelFile {
   unsigned int num_triangles_ = 0;
   unsigned int num_vertices_ = 0;
   double load_milliseconds_ = 0.0;
+  std::string fault_;  ///< why only a part could be read; "" when all was
   std::string warning_;
 };
 

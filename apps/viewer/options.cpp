@@ -35,8 +35,10 @@ std::string check_picture_name(const std::string& name) {
 std::string footer() {
   std::string text = "In the window:\n";
   for (const std::string& line : key_help()) text += "  " + line + "\n";
-  text += "\nReads OBJ, 3DS and binary STL. Exit code: 0 done, 1 cannot read or show the file, ";
-  return text + "2 wrong usage.";
+  text +=
+      "\nReads OBJ, 3DS and binary STL. A broken file is shown as far as it can be read, with a ";
+  text += "line that says so; one that became broken is not loaded again. ";
+  return text + "Exit code: 0 done, 1 cannot read or show the file, 2 wrong usage.";
 }
 
 struct Inputs {

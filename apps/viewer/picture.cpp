@@ -28,17 +28,21 @@ bool write_png(orv::Renderer* renderer, const std::string& path, int width, int 
 
 bool write_picture(orv::Renderer* renderer, const std::string& path, int width, int height,
                    std::string* reason) {
-  // Opened here first, since the writers do not tell why they failed.
+  // Opened here first, since not each writer tells why it failed.
   errno = 0;
   if (!std::ofstream(path, std::ios::binary | std::ios::app)) {
     *reason = path + ": " + std::strerror(errno);
     return false;
   }
+  errno = 0;
   const bool written = has_extension(path, ".png")
                            ? write_png(renderer, path, width, height)
                            : orv::TextureMgr::get()->do_screenshot_v2(renderer, path.c_str(), 0, 0,
                                                                       width, height, true);
-  if (!written) *reason = path + ": cannot write the picture";
+  if (!written) {
+    *reason = path + ": cannot write the picture";
+    if (errno != 0) *reason += std::string(": ") + std::strerror(errno);
+  }
   return written;
 }
 

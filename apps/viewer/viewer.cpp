@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "viewer/picture.h"
+#include "viewer/say.h"
 
 namespace viewer {
 
@@ -18,18 +19,9 @@ constexpr float zoom_per_notch = 0.88f;
 /// Frames that the statistics look at.
 constexpr std::size_t most_frames_kept = 1024;
 
-void say(const std::string& line) {
-  std::printf("%s\n", line.c_str());
-  std::fflush(stdout);
-}
-
 const char* text_or_none(const char* text) { return text ? text : "unknown"; }
 
 }  // namespace
-
-void print_problem(const std::string& line) {
-  std::fprintf(stderr, "orv-viewer: %s\n", line.c_str());
-}
 
 Viewer::Viewer(const Options& options, LogTap& log)
     : options_(options), log_(log), orbit_(ViewerScene::make_orbit()) {
@@ -39,11 +31,14 @@ Viewer::Viewer(const Options& options, LogTap& log)
 
 // ---- files -------------------------------------------------------------------------------------
 
-bool Viewer::load_first(std::string* reason) { return show(options_.files[0], reason); }
+bool Viewer::load_first(std::string* reason) {
+  return show(options_.files[0], {options_.texture}, reason);
+}
 
 // The file that is shown stays when the new one cannot be.
-bool Viewer::show(const std::string& path, std::string* reason) {
-  std::unique_ptr<ModelFile> loaded = ModelFile::load(path, {options_.texture}, log_, reason);
+bool Viewer::show(const std::string& path, const ModelFile::Settings& settings,
+                  std::string* reason) {
+  std::unique_ptr<ModelFile> loaded = ModelFile::load(path, settings, log_, reason);
   if (!loaded) return false;
   if (!loaded->get_warning().empty()) print_problem(loaded->get_warning());
   if (file_) file_->release(renderer_);
@@ -54,7 +49,9 @@ bool Viewer::show(const std::string& path, std::string* reason) {
 
 void Viewer::reload() {
   std::string reason;
-  if (show(file_->get_path(), &reason)) {
+  // One that was broken from the first may stay so.
+  const ModelFile::Settings settings = {options_.texture, file_->is_whole()};
+  if (show(file_->get_path(), settings, &reason)) {
     say("loaded again: " + file_->get_path());
     if (options_.stats) print_file_stats();
     return;
@@ -69,13 +66,15 @@ void Viewer::show_next() {
     say(message_);
     return;
   }
-  index_ = (index_ + 1) % options_.files.size();
+  // Goes on behind a file that could not be shown.
+  turn_ = (turn_ + 1) % options_.files.size();
   std::string reason;
-  if (!show(options_.files[index_], &reason)) {
+  if (!show(options_.files[turn_], {options_.texture}, &reason)) {
     message_ = reason + " (still showing " + file_->get_path() + ")";
     print_problem(message_);
     return;
   }
+  index_ = turn_;
   orbit_ = ViewerScene::make_orbit();
   say("showing " + file_->get_path());
   if (options_.stats) print_file_stats();
@@ -193,11 +192,11 @@ std::string Viewer::get_title() const {
     title +=
         " (" + std::to_string(index_ + 1) + " of " + std::to_string(options_.files.size()) + ")";
   }
-  return title;
+  return in_one_line(title);
 }
 
 void Viewer::print_file_stats() const {
-  std::printf("file       %s\n", file_->get_path().c_str());
+  say("file       " + file_->get_path());
   std::printf("triangles  %u\n", file_->get_num_triangles());
   std::printf("vertices   %u\n", file_->get_num_vertices());
   std::printf("load       %.2f ms\n", file_->get_load_milliseconds());

@@ -44,7 +44,7 @@ class Viewer {
   void print_drawing_stats() const;
 
  private:
-  bool show(const std::string& path, std::string* reason);
+  bool show(const std::string& path, const ModelFile::Settings& settings, std::string* reason);
   void reload();
   void show_next();
   void toggle_help();
@@ -55,7 +55,8 @@ class Viewer {
   LogTap& log_;
   orv::Renderer* renderer_ = nullptr;
   std::unique_ptr<ModelFile> file_;
-  std::size_t index_ = 0;
+  std::size_t index_ = 0;  ///< of the file that is shown
+  std::size_t turn_ = 0;   ///< of the file that was asked for last
   ViewerScene scene_;
   Overlay overlay_;
   orv_app::Orbit orbit_;
@@ -65,8 +66,5 @@ class Viewer {
   std::string message_;  ///< on the screen until the next key
   std::vector<double> frame_milliseconds_;
 };
-
-/// One line to stderr that names the program.
-void print_problem(const std::string& line);
 
 }  // namespace viewer

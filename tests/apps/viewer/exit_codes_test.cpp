@@ -21,7 +21,10 @@ TEST_P(ViewerExitCode, FailureIsOneLineThatSaysWhatAndWhy) {
   folder.write("junk.obj", "this is no model\n");
   folder.write("empty.obj", "");
   folder.write("bad_index.obj", "v 0 0 0\nv 1 0 0\nf 0 1\n");
+  folder.write("far_index.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 9\n");
+  folder.write("two\nlines\x1b.obj", "");
   folder.write("short.3ds", std::string("MM\x10\x00\x00\x00", 6));
+  folder.write("short.stl", "short");
   folder.write("empty.stl", std::string(84, '\0'));
   folder.write("model.fbx", "x");
   folder.write("junk.png", "this is no picture");
@@ -47,6 +50,11 @@ INSTANTIATE_TEST_SUITE_P(
         Failure{"EmptyObj", "empty.obj", 1, "no triangles"},
         Failure{"ObjOfBadIndices", "bad_index.obj", 1,
                 "bad_index.obj: broken file: all its vertices"},
+        Failure{"ObjOfIndicesOutOfBounds", "far_index.obj --output x.png", 1,
+                "far_index.obj: broken file: none of its triangles has an area: Vertex indices out "
+                "of bounds"},
+        Failure{"NameOfTwoLines", "'two\nlines\x1b.obj'", 1, "two?lines?.obj: broken or empty"},
+        Failure{"ShortStl", "short.stl", 1, "no triangles in it: shorter than its header"},
         Failure{"Cut3ds", "short.3ds", 1, "short.3ds: broken file: not a whole 3DS file"},
         Failure{"MissingTexture", viewer_data("obj/box.obj") + " --texture no.png --output x.png",
                 1, "no.png: No such file"},

@@ -91,6 +91,47 @@ TEST_F(ModelFileTest, ObjOfABadFaceIsShownAsFarAsItCanBeReadWithAWarningThatSays
   EXPECT_EQ(file_->get_warning(), "") << "a material that is named and not there is no matter";
 }
 
+TEST_F(ModelFileTest, SeveralMissingTexturesAreCountedAndTheFirstOneIsNamedWithTheReason) {
+  folder_.write("junk.png", "junk");
+  folder_.write("m.mtl", "newmtl a\nmap_Kd junk.png\nnewmtl b\nmap_Kd gone.png\n");
+  ASSERT_TRUE(
+      load_text("mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\n"
+                "usemtl b\nf 3 2 1\n"));
+  EXPECT_NE(file_->get_warning().find("cannot load 2 of its 2 textures, first junk.png: "
+                                      "cannot be decoded: "),
+            std::string::npos)
+      << file_->get_warning();
+}
+
+TEST_F(ModelFileTest, ObjOfWhichAPartIsBrokenIsShownWithAWarningThatSaysWhy) {
+  ASSERT_TRUE(load_text("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nf 3 2 9\n")) << reason_;
+  EXPECT_FALSE(file_->is_whole());
+  EXPECT_NE(file_->get_warning().find(
+                "model.obj: shown as far as it can be read: Vertex indices out of bounds"),
+            std::string::npos)
+      << file_->get_warning();
+}
+
+TEST_F(ModelFileTest, ObjWithoutAnythingToSeeIsRefusedWithTheReason) {
+  EXPECT_FALSE(load_text("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 9\n"));
+  EXPECT_NE(reason_.find("none of its triangles has an area: Vertex indices out of bounds"),
+            std::string::npos)
+      << reason_;
+  EXPECT_FALSE(load_text("v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n"));
+  EXPECT_NE(reason_.find("model.obj: nothing to show: none of its triangles has an area"),
+            std::string::npos)
+      << reason_;
+}
+
+TEST_F(ModelFileTest, WarningsOfFileAndTexturesAreOneLine) {
+  folder_.write("m.mtl", "newmtl a\nmap_Kd gone.png\n");
+  ASSERT_TRUE(load_text("mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\nf 3 2 9\n"));
+  EXPECT_NE(file_->get_warning().find("out of bounds; cannot load its texture gone.png: "),
+            std::string::npos)
+      << file_->get_warning();
+  EXPECT_EQ(file_->get_warning().find('\n'), std::string::npos);
+}
+
 TEST_F(ModelFileTest, VerticesAllAtOnePlaceAreRefused) {
   EXPECT_FALSE(load_text("v 1 2 3\nf 1 1 1\n"));
   EXPECT_NE(reason_.find("at one place"), std::string::npos) << reason_;

@@ -52,6 +52,12 @@ class ViewerWindow {
   std::string err() const { return folder_.read("err.txt"); }
 
   void press(const std::string& key) { do_tool("key " + key); }
+  /// Holds the key until it has repeated a few times.
+  void hold(const std::string& key) {
+    do_tool("keydown " + key);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+    do_tool("keyup " + key);
+  }
   void drag(int x, int y) {
     do_tool("mousedown 1");
     for (int i = 0; i < 8; ++i) {

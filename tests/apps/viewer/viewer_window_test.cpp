@@ -88,6 +88,31 @@ TEST_F(ViewerWindowTest, MotionWithoutTheButtonAndOtherKeysChangeNothing) {
   EXPECT_TRUE(is_alike(window.shoot(), first));
 }
 
+TEST_F(ViewerWindowTest, KeyThatIsHeldActsOnce) {
+  ViewerWindow window(folder_, viewer_data("obj/box.obj") + " --size 320x240");
+  ASSERT_TRUE(window.is_open()) << window.err();
+  window.hold("r");
+  window.press("n");
+  ASSERT_TRUE(window.wait_for("there is one file only"));
+  const std::string said = window.out();
+  const std::size_t first = said.find("loaded again");
+  ASSERT_NE(first, std::string::npos) << said;
+  EXPECT_EQ(said.find("loaded again", first + 1), std::string::npos) << said;
+}
+
+TEST_F(ViewerWindowTest, KeysWithCtrlAltOrTheSystemsKeyDoNothing) {
+  ViewerWindow window(folder_, viewer_data("obj/box.obj") + " --size 320x240");
+  ASSERT_TRUE(window.is_open()) << window.err();
+  for (const char* chord : {"ctrl+s", "alt+r", "super+r", "ctrl+q", "ctrl+alt+q"}) {
+    window.press(chord);
+  }
+  window.press("n");
+  ASSERT_TRUE(window.wait_for("there is one file only")) << window.err();
+  EXPECT_EQ(window.out(), "there is one file only\n");
+  window.press("shift+r");
+  EXPECT_TRUE(window.wait_for("loaded again")) << "a capital letter is that letter";
+}
+
 TEST_F(ViewerWindowTest, ReloadShowsTheChangedFile) {
   folder_.write("m.mtl", "newmtl red\nKd 1 0 0\n");
   folder_.write("t.obj", red_triangle);
