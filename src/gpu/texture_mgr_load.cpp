@@ -237,6 +237,10 @@ bool TextureMgr::load_texture_cube_from_memory(Texture* texture, unsigned char**
 bool TextureMgr::load_texture_2d_array_layer_from_file(Texture* texture, unsigned int layer,
                                                        const char* filename, bool flip) {
   if (!texture || !filename) return false;
+  if (!texture->get_layer_image_ptr(layer)) {
+    LogMgr::get().tracef_debug("image %s: the texture has no layer %u", filename, layer);
+    return false;
+  }
   return data_->try_codecs(filename, [&](ImageCodec& codec) {
     Image* image = texture->get_layer_image_ptr(layer);
     if (!image) return false;
@@ -273,7 +277,10 @@ bool TextureMgr::load_texture_2d_array_layer_from_raw_memory(Texture* texture, u
 bool TextureMgr::load_texture_2d_from_truetype_file(Texture* texture, const char* filename,
                                                     float pixel_height, int width, int height) {
   if (!texture || !filename || width <= 0 || height <= 0) return false;
-  if (static_cast<std::int64_t>(width) * height > INT_MAX) return false;
+  if (static_cast<std::int64_t>(width) * height > INT_MAX) {
+    LogMgr::get().tracef_debug("font %s: a picture of %dx%d is too large", filename, width, height);
+    return false;
+  }
   std::vector<unsigned char> file;
   const char* fault = nullptr;
   if (!detail::read_whole_file(filename, file, &fault)) {
@@ -381,11 +388,10 @@ bool save_screenshot(TextureMgrData& state, const char* filename, bool flip) {
   return false;
 }
 
-constexpr const char* NO_BACK_BUFFER = "the back buffer cannot be read";
-
 /// Says in the log why there is no picture of the back buffer.
-bool fail_screenshot(const char* filename, const char* fault) {
-  LogMgr::get().tracef_debug("screenshot %s: %s", filename, fault);
+bool fail_screenshot(const Renderer& renderer, const char* filename) {
+  LogMgr::get().tracef_debug("screenshot %s: the back buffer cannot be read%s", filename,
+                             renderer.is_started() ? "" : ": the renderer is not started");
   return false;
 }
 
@@ -395,12 +401,12 @@ bool TextureMgr::do_screenshot(Renderer* renderer, const char* filename, bool fl
   if (!renderer || !filename) return false;
   unsigned int size = 0, width = 0, height = 0;
   if (!renderer->get_back_buffer_size(&size, &width, &height) || width == 0 || height == 0) {
-    return fail_screenshot(filename, NO_BACK_BUFFER);
+    return fail_screenshot(*renderer, filename);
   }
   Image& image = data_->screenshot_image;
   if (!fit_screenshot(image, width, height)) return false;
   if (!renderer->read_back_buffer_rgba(image.u8_ptr)) {
-    return fail_screenshot(filename, NO_BACK_BUFFER);
+    return fail_screenshot(*renderer, filename);
   }
   return save_screenshot(*data_, filename, flip);
 }
@@ -413,7 +419,7 @@ bool TextureMgr::do_screenshot_v2(Renderer* renderer, const char* filename, int 
     return false;
   }
   if (!renderer->read_back_buffer_rect_rgba(image.u8_ptr, x, y, width, height)) {
-    return fail_screenshot(filename, NO_BACK_BUFFER);
+    return fail_screenshot(*renderer, filename);
   }
   return save_screenshot(*data_, filename, flip);
 }

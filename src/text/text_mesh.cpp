@@ -1,5 +1,6 @@
 #include "text/text_mesh.h"
 
+#include <orv/core/log_mgr.h>
 #include <orv/geometry/mesh.h>
 #include <orv/geometry/mesh_data.h>
 #include <orv/gpu/gpu_buffer_data.h>
@@ -36,7 +37,10 @@ void TextMesh::free(Renderer* renderer) {
 bool TextMesh::reserve(Renderer* renderer, unsigned int num_chars, unsigned int slack) {
   capacity_ = 0;
   const std::uint64_t wanted = num_chars > slack ? std::uint64_t{num_chars} + slack : slack;
-  if (num_chars > MAX_CHARS) return false;
+  if (num_chars > MAX_CHARS) {
+    LogMgr::get().tracef_debug("text mesh: %u characters are too many", num_chars);
+    return false;
+  }
   const auto capacity = static_cast<unsigned int>(std::min(wanted, MAX_CHARS));
   if (mesh_) {
     renderer->geometry_vbo_destroy(mesh_->get_data());

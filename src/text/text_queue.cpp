@@ -1,5 +1,7 @@
 #include "text/text_queue.h"
 
+#include <orv/core/log_mgr.h>
+
 #include <climits>
 #include <exception>
 
@@ -14,6 +16,7 @@ bool TextQueue::add(TextItem item, std::string_view text) {
     items_.push_back(item);
     return true;
   } catch (const std::exception&) {
+    LogMgr::get().tracef_debug("text of %zu bytes not queued: out of memory", text.size());
     return false;
   }
 }

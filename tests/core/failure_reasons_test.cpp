@@ -6,6 +6,7 @@
 #include <orv/geometry/geometry_core_alloc_params.h>
 #include <orv/geometry/mesh.h>
 #include <orv/gpu/gpu_program.h>
+#include <orv/gpu/texture.h>
 #include <orv/gpu/texture_mgr.h>
 #include <orv/image/image.h>
 #include <orv/image/image_codec_stb.h>
@@ -390,6 +391,13 @@ const Failure FAILURES[] = {
        return !TextureMgr::get()->create_texture_2d_from_file("floor.png", false, PF_RGB_U8);
      },
      {"floor.png", "no codec named"}},
+    {"LayerMissing",
+     [](Bench&) {
+       const Held<Texture> texture;
+       return !TextureMgr::get()->load_texture_2d_array_layer_from_file(texture.get(), 3,
+                                                                        "roof.png", false);
+     },
+     {"roof.png", "no layer 3"}},
     {"PictureFolderMissing",
      [](Bench& b) { return b.save(b.none("no/such/out.jpg")); },
      {"out.jpg", "cannot be written", "No such file or directory"}},
@@ -433,6 +441,13 @@ const Failure FAILURES[] = {
     {"FontOfText",
      [](Bench& b) { return b.font(b.file("text.ttf", "some text")); },
      {"text.ttf", "not a TrueType font"}},
+
+    {"FontPictureTooLarge",
+     [](Bench& b) {
+       return !TextureMgr::get()->create_texture_from_truetype_file(b.none("big.ttf").c_str(),
+                                                                    16.0f, 64000, 64000);
+     },
+     {"big.ttf", "64000x64000 is too large"}},
 
     // ---- memory, meshes, windows ----
     {"ImageBeyondAllMemory",

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "support/log_capture.h"
 #include "text/font_fixture.h"
 #include "text/text_rows.h"
 
@@ -43,6 +44,14 @@ TEST_F(TextMeshTest, NothingIsWrittenWithoutRoom) {
   text.free(&renderer);
   EXPECT_EQ(text.capacity(), 0u);
   EXPECT_FALSE(update(1, TextMesh::OFF, 1));
+}
+
+TEST_F(TextMeshTest, TooManyCharactersAreToldInTheLog) {
+  ASSERT_TRUE(text.reserve(&renderer, 5, 10));
+  const LogCapture log;
+  EXPECT_FALSE(text.reserve(&renderer, 4000000000u, 10));
+  EXPECT_THAT(log.lines(), ::testing::ElementsAre("text mesh: 4000000000 characters are too many"));
+  EXPECT_EQ(text.capacity(), 0u);
 }
 
 TEST_F(TextMeshTest, FreshRoomDrawsNothing) {

@@ -53,7 +53,7 @@ bool load_face(const FontData& font, TrueTypeFace* face) {
 // ---- creating and deleting ----
 
 bool RendererOpenGL::bitmap_font_create(FontData* font) {
-  if (!font || !has_fixed_function()) return false;
+  if (!font || lacks(has_fixed_function(), "bitmap fonts")) return false;
   TrueTypeFace face;
   if (!load_face(*font, &face)) {
     LogMgr::get().tracef_debug("bitmap font \"%.127s\" - no usable font file", font->font_name);

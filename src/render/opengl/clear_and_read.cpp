@@ -52,7 +52,7 @@ void RendererOpenGL::clear_buffers(unsigned int mask) {
 bool RendererOpenGL::get_back_buffer_size(unsigned int* size, unsigned int* width,
                                           unsigned int* height) {
   const int* viewport = get_viewport_array(0);
-  if (!viewport) return false;
+  if (lacks(viewport, "viewport")) return false;
   const auto w = static_cast<unsigned int>(viewport[2]);
   const auto h = static_cast<unsigned int>(viewport[3]);
   const unsigned long long bytes = 4ull * w * h;
@@ -64,8 +64,9 @@ bool RendererOpenGL::get_back_buffer_size(unsigned int* size, unsigned int* widt
 }
 
 bool RendererOpenGL::read_back_buffer_rgba(unsigned char* pixels) {
+  if (!pixels) return false;
   const int* viewport = get_viewport_array(0);
-  if (!viewport) return false;
+  if (lacks(viewport, "viewport")) return false;
   return read_back_buffer_rect_rgba(pixels, viewport[0], viewport[1], viewport[2], viewport[3]);
 }
 

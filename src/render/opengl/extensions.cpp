@@ -6,7 +6,7 @@ namespace orv {
 
 bool RendererOpenGL::extensions_load(RenderWindow* window) {
   if (!extensions_.empty()) return true;
-  if (!detail::read_gl_extensions(find_questions(), &extensions_)) return false;
+  if (lacks(detail::read_gl_extensions(find_questions(), &extensions_), "extensions")) return false;
   extensions_.num_gl = extensions_.size();
   append_window_system_extensions(window);
   return true;

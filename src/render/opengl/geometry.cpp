@@ -157,7 +157,7 @@ void draw_inner_lines(GLenum mode, long long first, long long count, Draw draw) 
 // ---- creating ----
 
 bool RendererOpenGL::geometry_vbo_create(RendererGpu* gpu, GeometryCore* geometry) {
-  if (!geometry || !gl_.glGenBuffers) return false;
+  if (!geometry || lacks(gl_.glGenBuffers, "glGenBuffers")) return false;
   if (geometry->vb_uploaded) return true;
   if (geometry->is_external_vb_source()) {
     if (geometry->get_vb_source()->size == 0) return false;

@@ -333,6 +333,7 @@ bool read_vector_viewport(const NVGcontext* context, int* width, int* height) {
 
 namespace {
 
+constexpr std::size_t MIN_FONT_FILE = 12;  // the head of the list of tables
 constexpr std::size_t MAX_FONT_FILE = std::size_t{1} << 29;
 // The rasteriser reads no further behind a place in the file, as its counts are 16 bits wide.
 constexpr std::size_t FONT_PADDING = std::size_t{1} << 20;
@@ -425,23 +426,31 @@ const char* prepare_font(unsigned char* data, std::size_t size) {
   return find_glyph_fault(data, check, start);
 }
 
+/// Says in the log why a font is not taken.
+bool refuse_font(const char* name, const char* fault) {
+  LogMgr::get().tracef_debug("NanoVG - font \"%s\": %s", name, fault);
+  return false;
+}
+
 }  // namespace
 
 bool add_vector_font(NVGcontext* context, const char* name,
                      const std::vector<unsigned char>& file) {
-  if (!context || !name || file.size() < 12 || file.size() > MAX_FONT_FILE) return false;
+  if (!context || !name) return false;
+  if (file.size() < MIN_FONT_FILE) return refuse_font(name, "too short a file");
+  if (file.size() > MAX_FONT_FILE) return refuse_font(name, "too large a file");
   auto* copy = static_cast<unsigned char*>(std::calloc(1, file.size() + FONT_PADDING));
-  if (!copy) return false;
+  if (!copy) return refuse_font(name, "out of memory");
   std::memcpy(copy, file.data(), file.size());
   const char* fault = prepare_font(copy, file.size());
-  if (fault) LogMgr::get().tracef_debug("NanoVG - font \"%s\": %s", name, fault);
   // NanoVG would find the first font of a name anyway, and keep both.
   if (fault || nvgFindFont(context, name) >= 0) {
     std::free(copy);
-    return fault == nullptr;
+    return !fault || refuse_font(name, fault);
   }
   // Takes the copy in any case.
-  return nvgCreateFontMem(context, name, copy, static_cast<int>(file.size()), 1) >= 0;
+  return nvgCreateFontMem(context, name, copy, static_cast<int>(file.size()), 1) >= 0 ||
+         refuse_font(name, "not taken by NanoVG");
 }
 
 }  // namespace orv::detail

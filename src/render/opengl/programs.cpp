@@ -97,7 +97,10 @@ bool RendererOpenGL::create_program_object(GpuProgramData* program) {
   program->update_thread();
   program->renderer_gpu_id = getid();
   reset_program_links(program);
-  return program->program_id != 0;
+  if (program->program_id != 0) return true;
+  LogMgr::get().tracef_debug("GPU program (%s): the driver gives no program object",
+                             program->gpu_program_name);
+  return false;
 }
 
 void RendererOpenGL::reset_program_links(GpuProgramData* program) {

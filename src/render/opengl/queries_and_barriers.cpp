@@ -44,7 +44,7 @@ unsigned int RendererOpenGL::supported_query_target(const char* name) const {
 
 unsigned int RendererOpenGL::query_create() {
   GLuint id = 0;
-  if (gl_.glGenQueries) gl_.glGenQueries(1, &id);
+  if (!lacks(gl_.glGenQueries, "glGenQueries")) gl_.glGenQueries(1, &id);
   return id;
 }
 

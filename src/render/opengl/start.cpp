@@ -73,7 +73,7 @@ bool RendererOpenGL::start() {
   register_capabilities();
   shadow_ = GlShadowState();
   bound_ = GlBoundGeometry();
-  apply_pipeline_state();
+  if (core_.glEnable) apply_pipeline_state();
   return started_;
 }
 

@@ -248,7 +248,7 @@ void GlShadowState::reset() {
 }
 
 bool RendererOpenGL::apply_pipeline_state() {
-  if (!core_.glEnable) return false;
+  if (lacks(core_.glEnable, "glEnable")) return false;
   apply_starting_state();
   shadow_.reset();
   set_vertex_buffer_usage_options(0, 0);

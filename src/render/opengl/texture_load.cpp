@@ -48,6 +48,7 @@ bool RendererOpenGL::texture_load(RendererGpu* gpu, TextureData* texture, unsign
 bool RendererOpenGL::texture_load_1d(RendererGpu*, TextureData* texture, unsigned int unit) {
   if (!texture || texture->type != TEXTURE_1D) return false;
   if (texture->loaded_in_gpu_memory) return true;
+  if (lacks(core_.glGenTextures, "glGenTextures")) return false;
   const unsigned int width = texture->get_width();
   if (is_larger(width, max_texture_size_)) {
     log_error("1D texture loading failed (texture size must be <= %d)", max_texture_size_);
@@ -66,6 +67,7 @@ bool RendererOpenGL::texture_load_1d(RendererGpu*, TextureData* texture, unsigne
 bool RendererOpenGL::texture_load_2d(RendererGpu*, TextureData* texture, unsigned int unit) {
   if (!texture || texture->type != TEXTURE_2D) return false;
   if (texture->loaded_in_gpu_memory) return true;
+  if (lacks(core_.glGenTextures, "glGenTextures")) return false;
   const unsigned int width = texture->get_width();
   const unsigned int height = texture->get_height();
   if (is_larger(width, max_texture_size_) || is_larger(height, max_texture_size_)) {
@@ -88,6 +90,7 @@ bool RendererOpenGL::texture_load_2d(RendererGpu*, TextureData* texture, unsigne
 bool RendererOpenGL::texture_load_cube(RendererGpu*, TextureData* texture, unsigned int unit) {
   if (!texture || texture->type != TEXTURE_CUBE) return false;
   if (texture->loaded_in_gpu_memory) return true;
+  if (lacks(core_.glGenTextures, "glGenTextures")) return false;
   const Image& face = texture->cubemap_faces[0].image;
   if (is_larger(face.width, max_texture_size_) || is_larger(face.height, max_texture_size_)) {
     log_error("CUBE texture loading failed (texture size must be <= %dx%d)", max_texture_size_,
@@ -114,6 +117,7 @@ bool RendererOpenGL::texture_load_cube(RendererGpu*, TextureData* texture, unsig
 bool RendererOpenGL::texture_load_2d_array(RendererGpu*, TextureData* texture, unsigned int unit) {
   if (!texture || texture->type != TEXTURE_2D_ARRAY) return false;
   if (texture->loaded_in_gpu_memory) return true;
+  if (lacks(core_.glGenTextures, "glGenTextures")) return false;
   if (!gl_.glTexImage3D || !gl_.glTexSubImage3D || !has_texture_target(GL_TEXTURE_2D_ARRAY)) {
     LogMgr::get().tracef_debug("texture %s not loaded: no texture arrays in this context",
                                texture->texture_name);
@@ -143,7 +147,7 @@ bool RendererOpenGL::texture_load_2d_array(RendererGpu*, TextureData* texture, u
 // ---- the road of all types ----
 
 bool RendererOpenGL::load_texture(TextureData* texture, unsigned int unit) {
-  if (lacks(core_.glGenTextures, "glGenTextures") || units_.bound.empty()) return false;
+  if (units_.bound.empty()) return false;
   const Image& image = texture->get_main_image();
   const GlPixelFormat format = gl_texture_format(image.pixel_format);
   // A texture without pixels is a surface to be filled later, one with too few is a mistake.

@@ -82,7 +82,11 @@ bool RendererOpenGL::create_texture_by_id(unsigned int* id, unsigned int target,
     return false;
   }
   const GlPixelFormat found = gl_texture_format(format);
-  if (!found.is_valid()) return false;
+  if (!found.is_valid()) {
+    LogMgr::get().tracef_debug("texture of %dx%d not created: pixel format %d is unknown", width,
+                               height, static_cast<int>(format));
+    return false;
+  }
   *id = 0;
   core_.glGenTextures(1, id);
   const TextureBinding binding(this, target, *id);

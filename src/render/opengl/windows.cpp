@@ -15,6 +15,8 @@ using detail::WindowSurface;
 
 namespace {
 
+constexpr const char* NOT_SHARED = "lists not shared";
+
 RenderWindowContextRecord* record_of(RenderWindow* window) {
   return window ? static_cast<RenderWindowContextRecord*>(window->getrdata()) : nullptr;
 }
@@ -40,6 +42,14 @@ void follow_size(RenderWindow* window, WindowSurface* surface) {
   int width = 0;
   int height = 0;
   if (surface->back_end->get_size(*surface, &width, &height)) window->update_size(width, height);
+}
+
+// The surface of a window with a context; for one without, the log names what is not done.
+WindowSurface* surface_for(RenderWindow* window, const char* what) {
+  WindowSurface* surface = detail::surface_of(window);
+  if (surface && context_of(window)) return surface;
+  if (window) LogMgr::get().tracef_debug("window %d - %s: no context", window->getid(), what);
+  return nullptr;
 }
 
 // Binds a context to a surface, or unbinds it, and remembers the thread.
@@ -182,9 +192,9 @@ bool RendererOpenGL::render_window_destroy_context(RenderWindow* window) {
 }
 
 bool RendererOpenGL::render_window_make_current(RenderWindow* window, bool current) {
-  WindowSurface* surface = detail::surface_of(window);
+  WindowSurface* surface = surface_for(window, "not made current");
+  if (!surface) return false;
   void* context = context_of(window);
-  if (!surface || !context) return false;
   if (!current && surface->back_end->current_context() != context) return true;
   if (!bind(surface, current ? context : nullptr)) return false;
   note_context_bound(current ? window : nullptr);
@@ -206,9 +216,10 @@ bool RendererOpenGL::render_window_mark_context_created(RenderWindow* window) {
 }
 
 bool RendererOpenGL::render_window_share_lists(RenderWindow* a, RenderWindow* b) {
-  WindowSurface* source = detail::surface_of(a);
-  WindowSurface* surface = detail::surface_of(b);
-  if (!source || !surface || a == b || !context_of(a) || !context_of(b)) return false;
+  if (!a || !b || a == b) return false;
+  WindowSurface* source = surface_for(a, NOT_SHARED);
+  WindowSurface* surface = source ? surface_for(b, NOT_SHARED) : nullptr;
+  if (!surface) return false;
   if (source->back_end != surface->back_end || surface->host_made) {
     LogMgr::get().tracef_debug("context not shared: it is %s",
                                surface->host_made ? "the host's" : "of another window system");
@@ -259,20 +270,21 @@ bool RendererOpenGL::render_window_restore_saved_context(RenderWindow* window) {
 // ---- swapping --------------------------------------------------------------------------------
 
 bool RendererOpenGL::render_window_swap_buffers(RenderWindow* window) {
-  WindowSurface* surface = detail::surface_of(window);
+  WindowSurface* surface = surface_for(window, "buffers not swapped");
   if (!surface || !surface->back_end->swap(*surface)) return false;
   follow_size(window, surface);
   return true;
 }
 
 bool RendererOpenGL::render_window_set_swap_interval(RenderWindow* window, bool enabled) {
-  WindowSurface* surface = detail::surface_of(window);
+  WindowSurface* surface = surface_for(window, "swap interval not set");
   return surface && surface->back_end->set_interval(*surface, enabled ? 1 : 0);
 }
 
 bool RendererOpenGL::render_window_get_swap_interval(RenderWindow* window, int* interval) {
-  WindowSurface* surface = detail::surface_of(window);
-  return surface && interval && surface->back_end->get_interval(*surface, interval);
+  if (!interval) return false;
+  WindowSurface* surface = surface_for(window, "swap interval not read");
+  return surface && surface->back_end->get_interval(*surface, interval);
 }
 
 bool RendererOpenGL::render_window_delay_before_swap(RenderWindow*, float) {

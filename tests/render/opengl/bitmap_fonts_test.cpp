@@ -2,6 +2,7 @@
 
 #include "render/opengl/fake_gl_fixture.h"
 #include "render/opengl/platform/system_font.h"
+#include "support/log_capture.h"
 
 using namespace orv;
 using namespace orv::test;
@@ -113,7 +114,10 @@ TEST_F(BitmapFontsTest, NullTextIsFalse) {
 
 TEST_F(BitmapFontsTest, CoreContextHasNoBitmapFonts) {
   start_core();
+  const LogCapture log;
   EXPECT_FALSE(renderer.bitmap_font_create(&font));
+  EXPECT_THAT(log.lines(),
+              ElementsAre("OpenGL renderer - no bitmap fonts: the context is without it"));
   EXPECT_FALSE(renderer.bitmap_font_set_color(1, 1, 1, 1));
   font.list_base = 5;
   EXPECT_FALSE(renderer.bitmap_font_render(&font, 0, 0, 1, 1, 1, 1, "a", 1));
