@@ -50,11 +50,13 @@ class Bones : public Example {
   void add_marks() {
     knot_ = keep(new orv::MeshPQTorus);
     knot_->set_build_params(256, 24, 1.0f, 0.22f, 0.0f, 0.0f, 0.0f, 1.0f, 1.0f, 2.0f, 3.0f);
+    knot_->bounding_sphere_use_inscribed_sphere(false);  // the sphere round the box, not in it
     knot_->build(nullptr);
     knot_->set_vertices_color(BLUE, nullptr);
-    knot_->set_position(2.1f, 1.75f, 0.0f);
+    knot_->set_position(2.1f, 2.5f, 0.0f);
     knot_->set_orientation_euler_xyz(0.0f, 25.0f, 0.0f);
     knot_->add_material(lit_material(), nullptr);
+    knot_->bounding_volume_update(true, nullptr);  // in the world, too
 
     orv::Box* box = mark(new orv::Box, *knot_);
     box->set_build_params(1.0f, 1.0f, 1.0f, 0.95f, 0.95f, 0.95f, 1.0f);
@@ -65,6 +67,7 @@ class Bones : public Example {
     sphere->set_build_params(knot_->get_bounding_sphere_radius(), 64, 1.0f, 1.0f, 1.0f, 1.0f);
     sphere->enable_rgb_color(true);
     sphere->build(nullptr);
+    sphere->set_position(knot_->get_global_bounding_sphere_center());
 
     orv::Pyramid* light = mark(new orv::Pyramid, *knot_);
     light->set_build_params(0.7f, 0.9f, YELLOW.x, YELLOW.y, YELLOW.z, 1.0f);

@@ -45,7 +45,7 @@ const char* const tree = R"(
 class Shapes : public Example {
  public:
   bool create() override {
-    look(vec4(0.0f, 3.2f, 19.0f), vec4(0.0f, -0.1f, 0.0f), 28.0f);
+    look(vec4(0.0f, 3.2f, 19.0f), vec4(0.0f, 0.15f, 0.0f), 28.0f);
     add("tetrahedron", RED);
     add("cube", ORANGE);
     add("octohedron", YELLOW);
@@ -80,12 +80,15 @@ class Shapes : public Example {
     if (!std::strcmp(name, "lsystem")) shape->set_build_params_lsystem(slices, depth, program);
     shape->set_shape_type(name);
     shape->build(nullptr);
-    // All at one size, in the middle of their places.
-    const vec4 size = shape->get_bounding_box_size();
-    const float diagonal = std::sqrt(size.x * size.x + size.y * size.y + size.z * size.z);
-    const float scale = std::fmin(3.3f / diagonal, 1.7f / std::fmin(size.x, size.y));
+    // All in spheres of one size, in the middle of their places.
     const vec4 center = shape->get_bounding_sphere_center();
     shape->translate_vertices_position(vec4(-center.x, -center.y, -center.z), nullptr);
+    float radius = 0.0f;
+    for (unsigned int i = 0; i < shape->get_num_vertices(nullptr); ++i) {
+      const vec4 p = shape->get_vertex_position(i);
+      radius = std::fmax(radius, std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z));
+    }
+    const float scale = 1.25f / radius;
     shape->scale_vertices_position(vec4(scale, scale, scale), nullptr);
     shape->set_vertices_color(color, nullptr);
     shape->add_material(lit_material(), nullptr);

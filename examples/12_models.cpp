@@ -9,9 +9,9 @@ using orv::vec4;
 class Models : public Example {
  public:
   bool create() override {
-    look(vec4(0.0f, 3.4f, 11.5f), vec4(0.0f, 0.85f, 0.0f), 25.5f);
+    look(vec4(0.0f, 5.0f, 11.3f), vec4(0.0f, 0.6f, 0.0f), 25.0f);
     orv::MeshEllipse* floor = keep(new orv::MeshEllipse);
-    floor->set_build_params(3.8f, 1.9f, 96, 2, 360.0f);
+    floor->set_build_params(3.3f, 2.3f, 96, 2, 360.0f);
     floor->build(nullptr);
     floor->set_vertices_color(GREY, nullptr);
     floor->add_material(lit_material(), nullptr);
@@ -24,11 +24,11 @@ class Models : public Example {
     spots->flip_vertical();
     orv::Material* spotted = textured_material("spotted", spots);
 
-    return add("spot.obj", demo_data(""), vec4(-2.4f, 0.0f, 0.2f), vec4(0.0f, 215.0f, 0.0f), WHITE,
+    return add("spot.obj", demo_data(""), vec4(-1.8f, 0.0f, 0.4f), vec4(0.0f, 215.0f, 0.0f), WHITE,
                spotted, true) &&
-           add("rock.3ds", data(""), vec4(0.0f, 0.0f, -0.3f), vec4(0.0f, 12.0f, 0.0f), ORANGE,
+           add("rock.3ds", data(""), vec4(0.0f, 0.0f, -1.0f), vec4(0.0f, 12.0f, 0.0f), ORANGE,
                lit_material(), true) &&
-           add("part.stl", data(""), vec4(2.4f, 0.0f, 0.2f), vec4(-70.0f, 0.0f, 0.0f), TEAL,
+           add("part.stl", data(""), vec4(1.8f, 0.0f, 0.4f), vec4(-70.0f, 0.0f, 0.0f), TEAL,
                lit_material(), false);
   }
 

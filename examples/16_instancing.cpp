@@ -17,14 +17,20 @@ ATTRIBUTE vec4 orvex_Instance_Rotation;
 ATTRIBUTE vec4 orvex_Instance_Scale;
 ATTRIBUTE vec4 orvex_Instance_Color;
 uniform mat4 orvex_ModelMatrix;
+uniform mat4 orvex_ModelViewMatrix;
 uniform mat4 orvex_ModelViewProjectionMatrix;
 VARYING vec3 normal;
 VARYING vec3 color;
+VARYING float far;
 
 vec3 turn(vec3 v, vec4 q) { return v + 2.0 * cross(q.xyz, cross(q.xyz, v) + q.w * v); }
 
 void main() {
-  vec3 place = turn(orvex_Position.xyz * orvex_Instance_Scale.xyz, orvex_Instance_Rotation) +
+  // Boxes finer than pixels would flicker: with the distance they close their gaps.
+  float away = -(orvex_ModelViewMatrix * vec4(orvex_Instance_Position.xyz, 1.0)).z;
+  far = smoothstep(15.0, 110.0, away);
+  vec3 size = orvex_Instance_Scale.xyz * (1.0 + far);
+  vec3 place = turn(orvex_Position.xyz * size, orvex_Instance_Rotation) +
                orvex_Instance_Position.xyz;
   normal = mat3(orvex_ModelMatrix) * turn(orvex_Normal.xyz, orvex_Instance_Rotation);
   color = orvex_Instance_Color.rgb;
@@ -35,10 +41,12 @@ void main() {
 const char* const pixel = R"(
 VARYING vec3 normal;
 VARYING vec3 color;
+VARYING float far;
 
 void main() {
-  float light = max(dot(normalize(normal), normalize(vec3(-0.5, 0.8, 0.35))), 0.0);
-  PIXEL = vec4(color * (0.40 + 0.75 * light), 1.0);
+  float light = max(dot(normalize(normal), normalize(vec3(-0.4, 0.8, 0.6))), 0.0);
+  float shade = mix(0.42 + 0.68 * light, 0.95, 0.8 * far);  // sides too small to see
+  PIXEL = vec4(mix(color * shade, vec3(0.27, 0.31, 0.38), 0.25 * far), 1.0);
 }
 )";
 
@@ -47,7 +55,7 @@ void main() {
 class Instancing : public Example {
  public:
   bool create() override {
-    look(vec4(0.0f, 58.0f, 108.0f), vec4(0.0f, -4.5f, 0.0f), 36.0f);
+    look(vec4(0.0f, 47.0f, 177.0f), vec4(0.0f, 12.0f, 92.0f), 50.0f);
     if (!renderer->is_instancing_supported()) return missing("instancing");
 
     boxes_ = keep(new orv::MeshBox);
@@ -67,19 +75,21 @@ class Instancing : public Example {
  private:
   static constexpr unsigned int count = 100000;
 
-  // A block of 50 x 40 x 50, coloured by the place, in which waves run outwards.
+  // A bowl, laid out like the seeds of a sunflower: evenly, and never in rows. Waves run outwards.
   void place(unsigned int i) {
-    const float x = static_cast<float>(i % 50) - 24.5f;
-    const float y = static_cast<float>(i / 50 % 40) - 19.5f;
-    const float z = static_cast<float>(i / 2000) - 24.5f;
-    const float wave = std::cos(std::sqrt(x * x + y * y + z * z) * 0.55f);
-    const float size = 0.68f + 0.28f * wave;
-    boxes_->set_instance_position(i, vec4(x, y, z));
-    boxes_->set_instance_scale(i, vec4(size, size, size));
+    const float share = (static_cast<float>(i) + 0.5f) / static_cast<float>(count);
+    const float radius = 177.0f * std::sqrt(share);
+    const float angle = static_cast<float>(std::fmod(i * 2.399963229728653, 6.283185307179586));
+    const float wave = std::cos(radius * 0.12f);
+    const float lift = 40.0f * share + wave * 5.0f;
+    const vec4 at(radius * std::cos(angle), lift, radius * std::sin(angle));
+    boxes_->set_instance_position(i, at);
+    boxes_->set_instance_scale(i, vec4(0.62f, 0.62f, 0.62f));
     orv::quat turn;
-    turn.from_axis_angle(20.0f - 20.0f * wave, vec4(0.0f, 1.0f, 0.0f));
+    turn.from_axis_angle(-angle * 57.2957795f, vec4(0.0f, 1.0f, 0.0f));
     boxes_->set_instance_rotation(i, turn);
-    boxes_->set_instance_color(i, vec4(0.58f + x * 0.015f, 0.55f + y * 0.015f, 0.62f - z * 0.014f));
+    const float warm = 0.5f + 0.5f * wave;
+    boxes_->set_instance_color(i, TEAL * (1.0f - warm) + YELLOW * warm);
   }
 
   orv::MeshBox* boxes_ = nullptr;

@@ -9,7 +9,7 @@ using orv::vec4;
 class Cloth : public Example {
  public:
   bool create() override {
-    look(vec4(3.5f, 3.6f, 8.0f), vec4(0.1f, 0.65f, -1.6f), 31.0f);
+    look(vec4(4.5f, 2.0f, 8.0f), vec4(0.1f, 0.2f, -1.0f), 33.0f);
     still_time = 2.4f;
 
     cloth_ = keep(new orv::MeshPlane);
@@ -52,8 +52,8 @@ class Cloth : public Example {
   static constexpr int cells = 28;
   static constexpr float side = 4.4f;
   static constexpr float step = 1.0f / 100.0f;
-  static constexpr float radius = 1.05f;
-  const vec4 ball_place{0.0f, 0.75f, -1.55f, 1.0f};
+  static constexpr float radius = 1.5f;
+  const vec4 ball_place{0.0f, -0.5f, -0.6f, 1.0f};
 
   void move() {
     for (std::size_t i = 0; i < before_.size(); ++i) {

@@ -51,8 +51,7 @@ class Graph : public Example {
   void add_values() {
     const float t = clock_;
     noise_ = noise_ * 0.96f + orv::Math::rnd(-6.0f, 6.0f);
-    graph_->add_curve_scalar(0,
-                             105.0f * std::sin(t * 5.0f) * std::exp(-0.35f * std::fmod(t, 4.0f)));
+    graph_->add_curve_scalar(0, (56.0f + 28.0f * std::sin(t * 1.3f)) * std::sin(t * 6.0f));
     graph_->add_curve_scalar(1, 60.0f * std::sin(t * 2.1f) + 25.0f * std::sin(t * 9.7f));
     graph_->add_curve_scalar(2, -60.0f + noise_);
     graph_->add_curve_scalar(3, std::fmod(t, 1.5f) < 0.75f ? 125.0f : 95.0f);
