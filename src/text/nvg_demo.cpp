@@ -126,7 +126,7 @@ namespace {
 
 constexpr int NUM_VALUES = 7;
 
-struct Point {
+struct GraphPoint {
   float x, y;
 };
 
@@ -137,10 +137,10 @@ float value_at(int index, float t) {
 }
 
 /// A smooth curve through the points, level at each of them.
-void trace_curve(NVGcontext* context, const Point (&points)[NUM_VALUES], float shift) {
+void trace_curve(NVGcontext* context, const GraphPoint (&points)[NUM_VALUES], float shift) {
   nvgMoveTo(context, points[0].x, points[0].y + shift);
   for (int i = 1; i < NUM_VALUES; ++i) {
-    const Point &from = points[i - 1], &to = points[i];
+    const GraphPoint &from = points[i - 1], &to = points[i];
     const float reach = (to.x - from.x) * 0.5f;
     nvgBezierTo(context, from.x + reach, from.y + shift, to.x - reach, to.y + shift, to.x,
                 to.y + shift);
@@ -154,7 +154,7 @@ void demo_graph_draw(float x, float y, float w, float h, float t) {
   if (!context || !in_range({x, y, w, h, t}) || !(w > 1.0f) || !(h > 1.0f)) return;
   const Settings settings(context);
   const NVGcolor blue = nvgRGBAf(0.10f, 0.62f, 0.82f, 1.0f);
-  Point points[NUM_VALUES];
+  GraphPoint points[NUM_VALUES];
   for (int i = 0; i < NUM_VALUES; ++i) {
     points[i] = {x + w * static_cast<float>(i) / (NUM_VALUES - 1),
                  y + h * (0.95f - 0.8f * value_at(i, t))};
@@ -184,7 +184,7 @@ void demo_graph_draw(float x, float y, float w, float h, float t) {
 
   // The values, but those at the ends.
   for (int i = 1; i + 1 < NUM_VALUES; ++i) {
-    const Point& point = points[i];
+    const GraphPoint& point = points[i];
     const float halo = width * 4.0f;
     nvgBeginPath(context);
     nvgCircle(context, point.x, point.y + 2.0f, halo);
@@ -219,7 +219,7 @@ bool render_demo(int x, int y, int w, int h, float time) {
   }
   {
     const Settings settings(context);
-    const Box page{left, top, wide, high};
+    const WidgetBox page{left, top, wide, high};
     clip(context, page);
     fill_box(context, page, 0.0f,
              from_top_to_bottom(context, page, nvgRGBAf(0.235f, 0.25f, 0.275f, 1.0f),

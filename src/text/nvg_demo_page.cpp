@@ -17,7 +17,7 @@ constexpr NVGcolor BLUE = {{{0.10f, 0.62f, 0.82f, 1.0f}}};
 
 // ---- the window ----
 
-void draw_field(NVGcontext* context, const Box& box, const char* string, NVGcolor color) {
+void draw_field(NVGcontext* context, const WidgetBox& box, const char* string, NVGcolor color) {
   fill_inset(context, box, 4.0f, 0.3f);
   if (!select_font(context, "sans", 16.0f, LEFT)) return;
   put_text(context, box.x + 8.0f, box.center_y(), color, string);
@@ -29,7 +29,7 @@ void draw_icon(NVGcontext* context, int icon, float x, float y, float size, NVGc
   if (select_font(context, "icons", size, CENTERED)) put_text(context, x, y, color, symbol);
 }
 
-void draw_search_box(NVGcontext* context, const Box& box) {
+void draw_search_box(NVGcontext* context, const WidgetBox& box) {
   const float corner = box.h * 0.5f;
   fill_inset(context, box, corner, 0.4f);
   draw_icon(context, ICON_SEARCH, box.x + corner + 1.0f, box.center_y(), box.h * 0.85f,
@@ -40,7 +40,7 @@ void draw_search_box(NVGcontext* context, const Box& box) {
   put_text(context, box.x + box.h + 4.0f, box.center_y(), with_alpha(WHITE, 0.35f), "Search");
 }
 
-void draw_drop_down(NVGcontext* context, const Box& box, const char* string) {
+void draw_drop_down(NVGcontext* context, const WidgetBox& box, const char* string) {
   fill_box(context, box.inner(1.0f), 3.0f,
            from_top_to_bottom(context, box, with_alpha(WHITE, 0.08f), with_alpha(BLACK, 0.08f)));
   stroke_box(context, box.inner(0.5f), 3.5f, with_alpha(BLACK, 0.25f));
@@ -50,7 +50,7 @@ void draw_drop_down(NVGcontext* context, const Box& box, const char* string) {
   put_text(context, box.x + 9.0f, box.center_y(), with_alpha(WHITE, 0.7f), string);
 }
 
-void draw_number_box(NVGcontext* context, const Box& box, float number, const char* unit) {
+void draw_number_box(NVGcontext* context, const WidgetBox& box, float number, const char* unit) {
   fill_inset(context, box, 4.0f, 0.3f);
   char digits[32];
   std::snprintf(digits, sizeof(digits), "%.1f", static_cast<double>(number));
@@ -95,7 +95,7 @@ constexpr char PARAGRAPH[] =
     "\xB3 \xD0\x96\xD0\xA9\xD0\xAE.";
 
 /// The rows of a column; one after the other is marked and numbered at its side.
-void draw_paragraph(NVGcontext* context, const Box& column, float time) {
+void draw_paragraph(NVGcontext* context, const WidgetBox& column, float time) {
   constexpr int MAX_ROWS = 16;
   if (!select_font(context, "sans", 15.5f, NVG_ALIGN_LEFT | NVG_ALIGN_TOP)) return;
   NVGtextRow rows[MAX_ROWS];
@@ -219,7 +219,7 @@ void draw_widths(NVGcontext* context, float x, float y) {
 
 void draw_caps(NVGcontext* context, float x, float y) {
   constexpr int caps[] = {NVG_BUTT, NVG_ROUND, NVG_SQUARE};
-  const Box length{x + 10.0f, y, 62.0f, 78.0f};
+  const WidgetBox length{x + 10.0f, y, 62.0f, 78.0f};
   fill_box(context, length, 0.0f, with_alpha(WHITE, 0.1f));
   for (const int cap : caps) {
     nvgBeginPath(context);
@@ -239,8 +239,8 @@ void draw_scissor(NVGcontext* context, float x, float y, float time) {
   const Settings settings(context);
   nvgTranslate(context, x, y);
   nvgRotate(context, 0.09f);
-  const Box sheet{-30.0f, -30.0f, 64.0f, 60.0f};
-  const Box band{-28.0f, -11.0f, 70.0f, 28.0f};
+  const WidgetBox sheet{-30.0f, -30.0f, 64.0f, 60.0f};
+  const WidgetBox band{-28.0f, -11.0f, 70.0f, 28.0f};
   fill_box(context, sheet, 0.0f, nvgRGBAf(0.92f, 0.42f, 0.18f, 1.0f));
   nvgRotate(context, time);
   fill_box(context, band, 0.0f, with_alpha(nvgRGBAf(1.0f, 0.83f, 0.35f, 1.0f), 0.15f));
@@ -251,7 +251,7 @@ void draw_scissor(NVGcontext* context, float x, float y, float time) {
 }
 
 /// Every join with every cap, along one line with two corners that open and close.
-void draw_joins(NVGcontext* context, const Box& box, float time) {
+void draw_joins(NVGcontext* context, const WidgetBox& box, float time) {
   constexpr int joins[] = {NVG_MITER, NVG_ROUND, NVG_BEVEL};
   constexpr int caps[] = {NVG_BUTT, NVG_ROUND, NVG_SQUARE};
   const float step = box.w / 9.0f, y = box.center_y();

@@ -70,21 +70,21 @@ float width_of_text(NVGcontext* context, const char* string) {
   return nvgTextBounds(context, 0.0f, 0.0f, string, end_of_text(string), nullptr);
 }
 
-void fill_box(NVGcontext* context, const Box& box, float corner, const NVGpaint& paint) {
+void fill_box(NVGcontext* context, const WidgetBox& box, float corner, const NVGpaint& paint) {
   nvgBeginPath(context);
   nvgRoundedRect(context, box.x, box.y, box.w, box.h, corner);
   nvgFillPaint(context, paint);
   fill(context);
 }
 
-void fill_box(NVGcontext* context, const Box& box, float corner, NVGcolor color) {
+void fill_box(NVGcontext* context, const WidgetBox& box, float corner, NVGcolor color) {
   nvgBeginPath(context);
   nvgRoundedRect(context, box.x, box.y, box.w, box.h, corner);
   nvgFillColor(context, color);
   fill(context);
 }
 
-void stroke_box(NVGcontext* context, const Box& box, float corner, NVGcolor color) {
+void stroke_box(NVGcontext* context, const WidgetBox& box, float corner, NVGcolor color) {
   nvgBeginPath(context);
   nvgRoundedRect(context, box.x, box.y, box.w, box.h, corner);
   nvgStrokeColor(context, color);
@@ -92,11 +92,13 @@ void stroke_box(NVGcontext* context, const Box& box, float corner, NVGcolor colo
   stroke(context);
 }
 
-NVGpaint from_top_to_bottom(NVGcontext* context, const Box& box, NVGcolor top, NVGcolor bottom) {
+NVGpaint from_top_to_bottom(NVGcontext* context, const WidgetBox& box, NVGcolor top,
+                            NVGcolor bottom) {
   return nvgLinearGradient(context, box.x, box.y, box.x, box.y + box.h, top, bottom);
 }
 
-void fill_shadow(NVGcontext* context, const Box& box, float corner, float reach, float alpha) {
+void fill_shadow(NVGcontext* context, const WidgetBox& box, float corner, float reach,
+                 float alpha) {
   const NVGpaint paint = nvgBoxGradient(context, box.x, box.y + 2.0f, box.w, box.h, corner * 2.0f,
                                         reach, with_alpha(BLACK, alpha), with_alpha(BLACK, 0.0f));
   // Everything around the box, which may be translucent, and nothing below it.
@@ -108,14 +110,14 @@ void fill_shadow(NVGcontext* context, const Box& box, float corner, float reach,
   fill(context);
 }
 
-void fill_inset(NVGcontext* context, const Box& box, float corner, float depth) {
+void fill_inset(NVGcontext* context, const WidgetBox& box, float corner, float depth) {
   fill_box(context, box, corner,
            nvgBoxGradient(context, box.x + 1.0f, box.y + 1.5f, box.w - 2.0f, box.h - 2.0f, corner,
                           4.0f, with_alpha(WHITE, 0.1f), with_alpha(BLACK, depth)));
   stroke_box(context, box.inner(0.5f), corner, with_alpha(BLACK, 0.2f));
 }
 
-void clip(NVGcontext* context, const Box& box) {
+void clip(NVGcontext* context, const WidgetBox& box) {
   nvgIntersectScissor(context, box.x, box.y, box.w, box.h);
 }
 
@@ -129,7 +131,7 @@ constexpr float TITLE_SIZE = 18.0f, TEXT_SIZE = 17.0f, BUTTON_TEXT_SIZE = 18.0f;
 constexpr int CENTERED = NVG_ALIGN_CENTER | NVG_ALIGN_MIDDLE;
 constexpr int LEFT = NVG_ALIGN_LEFT | NVG_ALIGN_MIDDLE;
 
-bool is_drawable(const Box& box) {
+bool is_drawable(const WidgetBox& box) {
   return in_range({box.x, box.y, box.w, box.h}) && box.w > 0.0f && box.h > 0.0f;
 }
 
@@ -138,14 +140,14 @@ bool is_drawable(const Box& box) {
 void window_draw(char const* title, float x, float y, float w, float h, const float* c0,
                  const float* c1) {
   NVGcontext* context = current();
-  const Box box{x, y, w, h};
+  const WidgetBox box{x, y, w, h};
   if (!context || !is_drawable(box)) return;
   const Settings settings(context);
   fill_shadow(context, box, WINDOW_CORNER, 12.0f, 0.5f);
   fill_box(context, box, WINDOW_CORNER, to_color(c0));
 
   const NVGcolor header = to_color(c1);
-  const Box bar{x, y, w, std::min(HEADER, h)};
+  const WidgetBox bar{x, y, w, std::min(HEADER, h)};
   fill_box(context, bar, WINDOW_CORNER,
            from_top_to_bottom(context, bar, shaded(header, 0.12f), shaded(header, -0.12f)));
   nvgBeginPath(context);
@@ -167,11 +169,11 @@ void window_draw(char const* title, float x, float y, float w, float h, const fl
 void button_draw(int icon, char const* text, float x, float y, float w, float h,
                  const float* color) {
   NVGcontext* context = current();
-  const Box box{x, y, w, h};
+  const WidgetBox box{x, y, w, h};
   if (!context || !is_drawable(box)) return;
   const Settings settings(context);
   const NVGcolor body = to_color(color);
-  const Box inner = box.inner(1.0f);
+  const WidgetBox inner = box.inner(1.0f);
   if (body.a > 0.0f) fill_box(context, inner, BUTTON_CORNER - 1.0f, body);
   const float gloss = body.a > 0.0f ? 0.16f : 0.07f;
   fill_box(context, inner, BUTTON_CORNER - 1.0f,
@@ -201,11 +203,11 @@ void button_draw(int icon, char const* text, float x, float y, float w, float h,
 void check_box_draw(float x, float y, float w, float h, bool checked, char const* text,
                     const float* c0, const float* c1) {
   NVGcontext* context = current();
-  const Box box{x, y, w, h};
+  const WidgetBox box{x, y, w, h};
   if (!context || !is_drawable(box)) return;
   const Settings settings(context);
   const float side = std::min({18.0f, w, h});
-  const Box field{x, box.center_y() - side * 0.5f, side, side};
+  const WidgetBox field{x, box.center_y() - side * 0.5f, side, side};
   fill_box(context, field, WINDOW_CORNER, to_color(c0));
   fill_inset(context, field, WINDOW_CORNER, 0.36f);
   if (checked) {
@@ -225,13 +227,13 @@ void check_box_draw(float x, float y, float w, float h, bool checked, char const
 
 void slider_draw(float pos, float x, float y, float w, float h, const float* color) {
   NVGcontext* context = current();
-  const Box box{x, y, w, h};
+  const WidgetBox box{x, y, w, h};
   if (!context || !is_drawable(box)) return;
   const Settings settings(context);
   const NVGcolor tint = to_color(color);
   const float part = pos > 0.0f ? std::min(pos, 1.0f) : 0.0f;
   const float radius = std::min(h * 0.36f, w * 0.5f);
-  const Box slot{x, box.center_y() - 2.0f, w, 4.0f};
+  const WidgetBox slot{x, box.center_y() - 2.0f, w, 4.0f};
   const float knob = x + radius + part * (w - 2.0f * radius);
 
   fill_inset(context, slot, 2.0f, 0.5f);
@@ -259,7 +261,7 @@ void slider_draw(float pos, float x, float y, float w, float h, const float* col
 
 void label_draw(char const* text, float x, float y, float w, float h, const float* color) {
   NVGcontext* context = current();
-  const Box box{x, y, w, h};
+  const WidgetBox box{x, y, w, h};
   if (!context || !is_drawable(box)) return;
   const Settings settings(context);
   if (!select_font(context, "sans", TEXT_SIZE, LEFT)) return;

@@ -10,13 +10,15 @@ namespace orv::nvg {
 inline constexpr NVGcolor WHITE = {{{1.0f, 1.0f, 1.0f, 1.0f}}};
 inline constexpr NVGcolor BLACK = {{{0.0f, 0.0f, 0.0f, 1.0f}}};
 
-struct Box {
+struct WidgetBox {
   float x, y, w, h;
 
   float center_x() const { return x + w * 0.5f; }
   float center_y() const { return y + h * 0.5f; }
-  Box inner(float dx, float dy) const { return {x + dx, y + dy, w - 2.0f * dx, h - 2.0f * dy}; }
-  Box inner(float distance) const { return inner(distance, distance); }
+  WidgetBox inner(float dx, float dy) const {
+    return {x + dx, y + dy, w - 2.0f * dx, h - 2.0f * dy};
+  }
+  WidgetBox inner(float distance) const { return inner(distance, distance); }
 };
 
 NVGcolor with_alpha(NVGcolor color, float alpha);
@@ -35,18 +37,19 @@ float width_of_text(NVGcontext* context, const char* string);
 
 /// @{
 /// Rectangles with corners of the radius `corner`.
-void fill_box(NVGcontext* context, const Box& box, float corner, const NVGpaint& paint);
-void fill_box(NVGcontext* context, const Box& box, float corner, NVGcolor color);
-void stroke_box(NVGcontext* context, const Box& box, float corner, NVGcolor color);
-NVGpaint from_top_to_bottom(NVGcontext* context, const Box& box, NVGcolor top, NVGcolor bottom);
+void fill_box(NVGcontext* context, const WidgetBox& box, float corner, const NVGpaint& paint);
+void fill_box(NVGcontext* context, const WidgetBox& box, float corner, NVGcolor color);
+void stroke_box(NVGcontext* context, const WidgetBox& box, float corner, NVGcolor color);
+NVGpaint from_top_to_bottom(NVGcontext* context, const WidgetBox& box, NVGcolor top,
+                            NVGcolor bottom);
 /// Around the box, not below it.
-void fill_shadow(NVGcontext* context, const Box& box, float corner, float reach, float alpha);
+void fill_shadow(NVGcontext* context, const WidgetBox& box, float corner, float reach, float alpha);
 /// A hollow: darker at its border.
-void fill_inset(NVGcontext* context, const Box& box, float corner, float depth);
+void fill_inset(NVGcontext* context, const WidgetBox& box, float corner, float depth);
 /// @}
 
 /// Clips what follows to a rectangle, too.
-void clip(NVGcontext* context, const Box& box);
+void clip(NVGcontext* context, const WidgetBox& box);
 
 /// The demo page at 800 by 600 units.
 void draw_demo_page(NVGcontext* context, float time);
