@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
   renderer->initialize();
 
   // A window without a screen: with one, the native window of a toolkit stands here instead, as in
-  // the last two examples.
+  // 28_glfw_host.cpp and 29_xlib_host.cpp.
   orv::OffscreenWindow surface(width, height);
   if (!create_context(renderer, surface, core)) {
     std::fprintf(stderr, "no OpenGL context\n");
