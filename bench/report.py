@@ -118,7 +118,7 @@ def print_table(rows):
 
 def write_markdown(rows, path):
     """The same table for a page of the documentation; a ratio beyond its target is bold."""
-    lines = ["| road | beside | ours | beside | ratio | target |", "|---|---|--:|--:|--:|--:|"]
+    lines = ["| work | peer | ours | theirs | ratio | target |", "|---|---|--:|--:|--:|--:|"]
     for row in rows:
         ratio = f"{row['ratio']:.2f}"
         if row["reached"] is False:
