@@ -24,9 +24,8 @@ class PlaneTree {
   enum Extent { EVERYTHING, FLAT_PARTS };
   static constexpr std::size_t LEAST_FLAT_PART = 8;
 
-  /// @param packs   triangles whose g is at most MAX_FACTOR; in order of place, so that equal
-  /// planes
-  ///                stay in that order
+  /// @param packs   triangles whose g is at most MAX_FACTOR; in order of place, which equal planes
+  ///                keep
   /// @param middle  from where distances are counted
   /// @param radius  reaches from the middle to every corner
   PlaneTree(const detail::LargeVector<RayPack>& packs, lanes::float4 middle, float radius,

@@ -22,12 +22,10 @@ namespace orv {
 /// - Away from grazing, the point that the arithmetic takes for the hit lies next to the triangle,
 ///   by a margin that grows with the distance, with the shape of the triangle and towards grazing.
 ///   Boxes are widened by a fixed part of it when they are tested.
-/// - A ray that runs nearly in the plane of a triangle may be found to hit it although it passes
-/// far
-///   away, since all that is left in the arithmetic is rounding. A second tree finds the triangles
-///   whose plane holds the ray so nearly.
-/// - Needles, whose margins would be as large as the mesh, and triangles with coordinates out of
-/// the
+/// - A ray that runs nearly in the plane of a triangle may be found to hit it although it passes at
+///   a distance, since all that is left in the arithmetic is rounding. A second tree finds the
+///   triangles whose plane holds the ray so nearly.
+/// - Needles, whose margins would be as large as the mesh, and triangles with coordinates beyond the
 ///   usual range are kept aside and tested with every ray. Triangles that have no area because two
 ///   corners are equal are never accepted; they are left out.
 ///

@@ -1,6 +1,6 @@
 /// @file
-/// Changes between byte and float channels. All of them go through these functions, so that every
-/// road gives the same bits.
+/// Changes between byte and float channels. All of them go through these functions, so that all
+/// ways give the same bits.
 #pragma once
 
 #include <array>

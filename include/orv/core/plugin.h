@@ -98,7 +98,7 @@ class ORV_API Plugin {
   /// @}
 
   /// @{
-  /// A mark for hosts; the library never sets it.
+  /// A mark for hosts; the library only clears it, when it loads a module.
   bool get_core_plugin_state() const;
   void set_core_plugin_state(bool state);
   /// @}

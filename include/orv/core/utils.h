@@ -88,8 +88,8 @@ ORV_API bool open_url(const char* url);
 
 // ---- plugins ----
 
-/// Loads a second instance or the first of the module `name` + "_x64.so" through the plugin search
-/// path. The result is a Plugin*, null for a null name or when no directory has it.
+/// Loads the module `name` + "_x64.so" through the plugin search path, even if it is loaded
+/// already. The result is a Plugin*, null for a null name or when no directory has it.
 ORV_API void* load_plugin(const char* name);
 /// Kernel::unload_plugin of a Plugin*; 0 for null.
 ORV_API int unload_plugin(void* plugin);

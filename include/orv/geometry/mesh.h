@@ -72,8 +72,7 @@ class ORV_API Mesh : public Object {
   /// Allocates what the alloc params say. False, with an error in the log, for 0 vertices or too
   /// little memory.
   bool alloc_vertex_data();
-  /// As GeometryCore::alloc_face_data and its second form; a failure is logged with the mesh's
-  /// name.
+  /// As GeometryCore::alloc_face_data; a failure is logged with the mesh's name.
   bool alloc_face_data(unsigned int count, bool force_32);
   /// As GeometryCore::alloc_face_data_v2; a failure is logged with the mesh's name.
   bool alloc_face_data_v2(unsigned int count, MESH_FACE_TRIANGLE_TYPE type);
@@ -149,7 +148,8 @@ class ORV_API Mesh : public Object {
   /// Vertex `i` by value, a default one out of range.
   Vertex get_vertex_v2(unsigned int i) override;
 
-  /// Setters are false, and getters give (0, 0, 0, 1), out of range and without the attribute.
+  /// Stores as many components as the attribute has. This and the setters below are false, and
+  /// getters give (0, 0, 0, 1), out of range and without the attribute.
   bool set_vertex_position(unsigned int i, const vec4& v);
   /// x, y, z and w 1.
   vec4 get_vertex_position(unsigned int i) const;

@@ -226,10 +226,6 @@ class ORV_API GpuProgramData {
   bool set_uniform_2d(const char* name, double x, double y);
   bool set_uniform_3d(const char* name, double x, double y, double z);
   bool set_uniform_4d(const char* name, double x, double y, double z, double w);
-
-  /// @{
-  /// Stores a value under this name, see above. Arrays hold `count` values of the size that the
-  /// name of the operation tells.
   bool set_uniform_1iv(const char* name, int count, const int* values);
   bool set_uniform_2iv(const char* name, int count, const int* values);
   bool set_uniform_3iv(const char* name, int count, const int* values);
@@ -246,7 +242,6 @@ class ORV_API GpuProgramData {
   bool set_uniform_1ui64v(const char* name, int count, const unsigned long long* values);
   /// @}
 
-  /// @}
   /// Nine floats, column by column.
   bool set_uniform_3x3f(const char* name, const float* values);
   /// A matrix, column by column as it is kept.

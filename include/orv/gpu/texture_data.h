@@ -150,7 +150,7 @@ class ORV_API TextureData {
 
   // ---- fields ----
 
-  char texture_name[128] = {};          ///< see set_texture_name
+  char texture_name[128] = {};          ///< see set_texture_name_and_id
   int texture_id = 0;                   ///< node id of the first owner
   Image image;                          ///< pixels of all types but cube map and array
   TextureCubeMapFace cubemap_faces[6];  ///< pixels of a cube map

@@ -24,7 +24,7 @@ struct TextureMgrData;
 /// until release_texture() or stop(), unless others hold it too. Paths are read as they are,
 /// relative ones from the working directory. Null textures, names and pixels give false or null.
 ///
-/// Nothing is logged: failures are false or null. One thread at a time.
+/// Failures are false or null, and the log tells why at debug level. One thread at a time.
 class ORV_API TextureMgr : public ResourceMgr {
  public:
   /// The manager, made on first use and never destroyed.

@@ -23,7 +23,8 @@ namespace orv {
 /// set_f32_ptr() or codec_pixels is not known here: it must hold width * height pixels of the
 /// format that the called operation is for.
 ///
-/// All operations report failure by false, none logs. One thread at a time.
+/// All operations report failure by false; only a lack of memory is told in the log, at debug
+/// level. One thread at a time.
 class ORV_API Image {
  public:
   /// Without size, format and pixels.
@@ -57,7 +58,6 @@ class ORV_API Image {
   /// The byte store, or codec_pixels when there is none.
   unsigned char* get_u8_ptr() const { return u8_ptr ? u8_ptr : codec_pixels; }
   /// The float store, null when there is none.
-  /// The float store; null when there is none.
   float* get_f32_ptr() const { return f32_ptr; }
 
   /// @{

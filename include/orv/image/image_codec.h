@@ -10,7 +10,7 @@
 namespace orv {
 
 /// A plugin that turns encoded bytes into an Image and an Image into a file. TextureMgr addresses
-/// it by its plugin name. An implementation sets its type to PLUGIN_TYPE_IMAGE_CODEC.
+/// it by its plugin name.
 ///
 /// Pixels belong into the image's own store (make it with Image::create). A codec that keeps the
 /// pixels itself puts them into Image::codec_pixels and frees them in free_image_resources().
@@ -18,7 +18,7 @@ namespace orv {
 /// The order of the operations is a contract with codecs built apart.
 class ORV_API ImageCodec : public Plugin {
  public:
-  /// Sets the plugin type.
+  /// A plugin of the type of image codecs.
   ImageCodec();
   ~ImageCodec() override;
 

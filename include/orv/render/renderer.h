@@ -47,7 +47,7 @@ class ORV_API Renderer : public Plugin {
   /// Makes another window the current one; null leaves none.
   void set_current_render_window(RenderWindow* window) { current_render_window_ = window; }
 
-  /// Number of render targets in the registry, and one of them by index (null past the end).
+  /// Render targets in the registry.
   unsigned int gpu_render_target_get_num() const;
   /// Target at an index of the registry, null past its end.
   GpuRenderTarget* gpu_render_target_get_by_index(unsigned int index) const;

@@ -11,7 +11,7 @@ namespace orv {
 /// What a voice of an Audio plugin does.
 enum AUDIO_VOICE_STATE : int {
   AUDIO_VOICE_NONE = 0,     ///< there is no such voice
-  AUDIO_VOICE_STOPPED = 1,  ///< silent, at the begin of its sound
+  AUDIO_VOICE_STOPPED = 1,  ///< silent, at the beginning of its sound
   AUDIO_VOICE_PLAYING = 2,  ///< sounding
   AUDIO_VOICE_PAUSED = 3    ///< silent, goes on where it was
 };
@@ -85,7 +85,7 @@ class ORV_API Audio : public Plugin {
   virtual bool play_voice(int voice, bool loop) = 0;
   /// Holds a voice where it is. False unless it plays.
   virtual bool pause_voice(int voice) = 0;
-  /// Silences a voice and goes back to the begin of its sound; a queue is left as it is.
+  /// Silences a voice and goes back to the beginning of its sound; a queue is left as it is.
   virtual bool stop_voice(int voice) = 0;
   /// What the voice does; AUDIO_VOICE_NONE for an unknown one.
   virtual AUDIO_VOICE_STATE get_voice_state(int voice) = 0;

@@ -16,9 +16,9 @@ namespace orv {
 /// frame) and takes the picture whenever update_video() tells of a new one.
 ///
 /// Videos are named by numbers above 0 that are not given twice; 0 is none. Pictures are counted
-/// from 0, times are seconds from the begin. What a plugin cannot do, unknown videos, null where
-/// something is needed and numbers out of range give false, 0 or null and change nothing. What
-/// takes a renderer belongs to the renderer's thread. Distinct videos may be used on distinct
+/// from 0, times are seconds from the beginning. What a plugin cannot do, unknown videos, null
+/// where something is needed and numbers out of range give false, 0 or null and change nothing.
+/// What takes a renderer belongs to the renderer's thread. Distinct videos may be used on distinct
 /// threads, one video by one thread at a time; while one is opened or closed, all others rest.
 ///
 /// The order of the operations is a contract with modules built apart.
@@ -32,8 +32,8 @@ class ORV_API SimpleVideo : public Plugin {
 
   // ---- videos ----
 
-  /// Opens a file, at its begin and paused. 0, with the cause in the log, when it cannot be read or
-  /// holds no pictures.
+  /// Opens a file, at its beginning and paused. 0, with the cause in the log, when it cannot be
+  /// read or holds no pictures.
   virtual int open_video(const char* filename) = 0;
   /// The same from `size` bytes in memory, which stay the host's and must last until the video is
   /// closed.
@@ -55,7 +55,7 @@ class ORV_API SimpleVideo : public Plugin {
   virtual double get_pixel_aspect(int video) = 0;
   /// Pictures a second, the mean where it varies.
   virtual double get_frame_rate(int video) = 0;
-  /// Seconds from the begin to the end; 0 when it is not told.
+  /// Seconds from the beginning to the end; 0 when it is not told.
   virtual double get_duration(int video) = 0;
   /// Pictures; 0 when it is not told.
   virtual unsigned int get_num_frames(int video) = 0;
@@ -86,11 +86,11 @@ class ORV_API SimpleVideo : public Plugin {
 
   // ---- clock ----
 
-  /// Lets the clock run; from the begin when the video was at its end.
+  /// Lets the clock run; from the beginning when the video was at its end.
   virtual bool play_video(int video) = 0;
   /// Holds the clock.
   virtual bool pause_video(int video) = 0;
-  /// Holds the clock and goes back to the begin.
+  /// Holds the clock and goes back to the beginning.
   virtual bool stop_video(int video) = 0;
   /// Whether the clock runs. It stops at the end.
   virtual bool is_playing(int video) = 0;

@@ -77,8 +77,8 @@ class ORV_API TcpServer {
 
   /// @{
   /// Text that ends run() when a message begins with it, cut at 127 bytes; any message ends it when
-  /// the text is empty. Null is ignored. The text of the getter
-  /// is the server's own and changes with the next one that is set.
+  /// the text is empty. Null is ignored. The text of the getter is the server's own and changes
+  /// with the next one that is set.
   void set_stop_message(const char* message);
   const char* get_stop_message() const;
   /// @}

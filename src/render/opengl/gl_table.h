@@ -1,5 +1,5 @@
 /// @file
-/// The functions of OpenGL that the renderer calls. There is no other road to OpenGL: what stands
+/// The functions of OpenGL that the renderer calls. There is no other way to OpenGL: what stands
 /// in these two tables can be replaced whole.
 #pragma once
 

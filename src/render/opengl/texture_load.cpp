@@ -144,7 +144,7 @@ bool RendererOpenGL::texture_load_2d_array(RendererGpu*, TextureData* texture, u
   return load_texture(texture, unit);
 }
 
-// ---- the road of all types ----
+// ---- what all types go through ----
 
 bool RendererOpenGL::load_texture(TextureData* texture, unsigned int unit) {
   if (units_.bound.empty()) return false;

@@ -20,7 +20,7 @@ constexpr int PER_MISSING_ALPHA_BIT = 1'000;
 constexpr int PER_DEPTH_BIT = 20;
 constexpr int TRANSLUCENT = 100;
 constexpr int PER_EXCESS_BIT = 1;
-constexpr int FULL_ALPHA = 8;  // taken unasked, so that all roads give the same pixels
+constexpr int FULL_ALPHA = 8;  // taken unasked, so that all ways give the same pixels
 
 struct ChannelBits {
   int red = 8;

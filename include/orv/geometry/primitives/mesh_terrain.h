@@ -30,9 +30,8 @@ class ORV_API MeshTerrain : public Mesh {
   MeshTerrain& operator=(const MeshTerrain& other);
 
   /// Stores the parameters for the next build. True.
-  /// @param texture       not owned, may be null: the next build copies its heights when the
-  /// terrain
-  ///                      has none yet. When it ends before, the terrain stays flat; the heights of
+  /// @param texture       not owned, may be null: the next build copies its heights when there are
+  ///                      none yet. When it ends before, the terrain stays flat; the heights of
   ///                      another texture need init_terrain_buffer
   /// @param resolution    cells along a side; below 1 the build fails
   /// @param height_scale  scene units that the brightest texel stands for
