@@ -25,8 +25,8 @@ namespace orv {
 /// - A ray that runs nearly in the plane of a triangle may be found to hit it although it passes at
 ///   a distance, since all that is left in the arithmetic is rounding. A second tree finds the
 ///   triangles whose plane holds the ray so nearly.
-/// - Needles, whose margins would be as large as the mesh, and triangles with coordinates beyond the
-///   usual range are kept aside and tested with every ray. Triangles that have no area because two
+/// - Needles, whose margins would be as large as the mesh, and triangles with coordinates beyond
+///   the usual range are kept aside and tested with every ray. Triangles without area because two
 ///   corners are equal are never accepted; they are left out.
 ///
 /// The bounds are derived in ray_tree_margins.h.
