@@ -152,7 +152,10 @@ bool DesktopWindow::create(const Settings& settings, std::string* reason) {
   }
   if ((settings.msaa > 1 && create_context(settings, settings.msaa)) ||
       create_context(settings, 0)) {
-    renderer_->start();
+    if (!renderer_->start()) {
+      *reason = "the window's OpenGL cannot be used";
+      return false;
+    }
     renderer_->render_window_set_swap_interval(render_window_, true);
     return true;
   }

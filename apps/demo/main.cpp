@@ -23,6 +23,10 @@ struct Options {
   bool headless = false;
 };
 
+void print_usage(std::FILE* file) {
+  std::fprintf(file, "usage: orv-demo [--headless] [--output FILE.png]\n");
+}
+
 bool parse(int argc, char** argv, Options* options) {
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--headless")) {
@@ -30,7 +34,7 @@ bool parse(int argc, char** argv, Options* options) {
     } else if (!std::strcmp(argv[i], "--output") && i + 1 < argc) {
       options->output = argv[++i];
     } else {
-      std::fprintf(stderr, "usage: orv-demo [--headless] [--output FILE.png]\n");
+      print_usage(stderr);
       return false;
     }
   }
@@ -85,11 +89,23 @@ bool render_picture(orv::Renderer* renderer, const Options& options) {
   return true;
 }
 
+void show_window(orv::Renderer* renderer) {
+  if (orv_app::has_display()) {
+    demo::run_in_window(renderer, DEMO_DATA_DIR);
+  } else {
+    std::fprintf(stderr, "no display: no window is opened\n");
+  }
+}
+
 void print_problem(const char* text, void*) { std::fprintf(stderr, "%s\n", text); }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && !std::strcmp(argv[1], "--help")) {
+    print_usage(stdout);
+    return 0;
+  }
   Options options;
   if (!parse(argc, argv, &options)) return 2;
   orv::core::start(nullptr, true, print_problem, nullptr);
@@ -97,9 +113,7 @@ int main(int argc, char** argv) {
   orv::Renderer* renderer = orv::Kernel::get()->load_core_opengl_renderer_plugin(true);
   renderer->initialize();
   const bool done = render_picture(renderer, options);
-  if (done && !options.headless && orv_app::has_display()) {
-    demo::run_in_window(renderer, DEMO_DATA_DIR);
-  }
+  if (done && !options.headless) show_window(renderer);
   orv::core::stop(nullptr);
   return done ? 0 : 1;
 }

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <type_traits>
 
 #include "loaders/loaded_model.h"
 

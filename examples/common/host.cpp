@@ -16,6 +16,7 @@ namespace examples {
 namespace {
 
 constexpr int exit_missing = 3;
+constexpr int max_side = 16384;
 
 struct Options {
   std::string output;
@@ -23,6 +24,8 @@ struct Options {
   int height = 360;
   bool core = true;
 };
+
+bool is_side(int pixels) { return pixels >= 1 && pixels <= max_side; }
 
 bool parse(int argc, char** argv, Options* options) {
   for (int i = 1; i + 1 < argc; i += 2) {
@@ -39,7 +42,14 @@ bool parse(int argc, char** argv, Options* options) {
       return false;
     }
   }
-  return argc % 2 == 1 && options->width > 0 && options->height > 0;
+  return argc % 2 == 1 && is_side(options->width) && is_side(options->height);
+}
+
+void print_usage(std::FILE* file, const char* program) {
+  std::fprintf(file,
+               "usage: %s [--output FILE.png] [--size 480x360] [--profile core|compat]\n"
+               "Without --output a window opens: drag to turn, wheel to zoom, Escape to end.\n",
+               program);
 }
 
 void print_problem(const char* text, void*) { std::fprintf(stderr, "%s\n", text); }
@@ -201,12 +211,13 @@ int Host::draw_in_window(const Options& options, const char* title) {
 }
 
 int run_example(int argc, char** argv, const char* title, MakeExample make) {
+  if (argc == 2 && !std::strcmp(argv[1], "--help")) {
+    print_usage(stdout, argv[0]);
+    return 0;
+  }
   Options options;
   if (!parse(argc, argv, &options)) {
-    std::fprintf(stderr,
-                 "usage: %s [--output FILE.png] [--size 480x360] [--profile core|compat]\n"
-                 "Without --output a window opens: drag to turn, wheel to zoom, Escape to end.\n",
-                 argv[0]);
+    print_usage(stderr, argv[0]);
     return 2;
   }
   orv::core::start(nullptr, true, print_problem, nullptr);

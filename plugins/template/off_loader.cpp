@@ -67,7 +67,7 @@ bool OffLoader::load_off_file(orv::Model& model, const char* filename) {
   orv::Mesh* mesh = model.create_mesh();
   if (!fill_mesh(*mesh, shape)) {
     tracef_debug("%s: no memory for %zu vertices", path.c_str(), shape.positions.size());
-    delete mesh;
+    mesh->release(nullptr, nullptr);
     return false;
   }
   mesh->set_name(filename);

@@ -2,7 +2,6 @@
 #include <orv/core/log_mgr.h>
 #include <orv/core/plugin_mgr.h>
 #include <orv/gpu/material_mgr.h>
-#include <orv/gpu/resource.h>
 #include <orv/loaders/loader3d.h>
 #include <orv/scene/model.h>
 

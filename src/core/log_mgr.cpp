@@ -2,7 +2,6 @@
 
 #include "core/log_data.h"
 
-#include <algorithm>
 #include <cstdarg>
 #include <map>
 #include <vector>

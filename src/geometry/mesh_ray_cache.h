@@ -18,9 +18,6 @@ class MeshRayCache {
   /// The nearest face, or the first when `first_hit_only` is set.
   RayHit cast(const Ray& ray, MeshData& data, const mat4& transform, bool first_hit_only);
 
-  /// Whether rays are answered by a tree now.
-  bool has_tree() const { return tree_ != nullptr; }
-
  private:
   /// What the tree was made from. Equal keys mean equal geometry.
   struct Key {

@@ -5,8 +5,6 @@
 #include <orv/math/mat4.h>
 #include <orv/math/ray.h>
 
-#include <cstdint>
-
 namespace orv {
 
 class FaceAccess;

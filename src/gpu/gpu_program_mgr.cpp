@@ -4,7 +4,6 @@
 #include <orv/gpu/gpu_program.h>
 #include <orv/gpu/gpu_program_data.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstring>
 

@@ -6,7 +6,6 @@
 #include <orv/image/image.h>
 #include <orv/render/renderer.h>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace orv {

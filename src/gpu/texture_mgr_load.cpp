@@ -11,7 +11,6 @@
 #include "image/image_access.h"
 #include "text/stb_truetype.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>

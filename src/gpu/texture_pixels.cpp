@@ -5,8 +5,6 @@
 #include <orv/image/image.h>
 #include <orv/render/renderer.h>
 
-#include <cstddef>
-
 namespace orv {
 namespace {
 

@@ -10,7 +10,6 @@
 #include <limits>
 #include <new>
 #include <type_traits>
-#include <utility>
 
 #include "core/large_array.h"
 

@@ -352,7 +352,7 @@ bool build_mesh(Model& model, const MeshRecord& record,
   mesh->set_vertex_alloc_params_num_vertices(static_cast<unsigned int>(record.vertices.size()));
   if (!mesh->alloc_vertex_data() ||
       !mesh->alloc_face_data(static_cast<unsigned int>(record.faces.size()), false)) {
-    delete mesh;
+    mesh->release(nullptr, nullptr);
     return false;
   }
   fill_vertices(*mesh->get_mesh_data(), record);

@@ -5,7 +5,6 @@
 #include <orv/scene/model.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <limits>
 
 #include "geometry/face_access.h"

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace orv::detail {

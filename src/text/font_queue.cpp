@@ -4,7 +4,6 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cwchar>
-#include <string_view>
 
 #include "core/format_message.h"
 #include "text/font_state.h"

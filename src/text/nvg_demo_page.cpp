@@ -1,5 +1,4 @@
 // What stands on the demo page.
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iterator>

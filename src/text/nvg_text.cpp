@@ -2,7 +2,6 @@
 #include <orv/core/log_mgr.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <vector>
 

@@ -92,10 +92,17 @@ TEST(WebcamExample, SaysThatThereIsNoCamera) {
 
 TEST(ExampleOptions, WrongOnesEndWithUsage) {
   const std::string program = "env -u DISPLAY " + example_program("02_primitives");
-  for (const char* options : {"--output", "--size 0x5 --output a.png", "--nothing at", "a"}) {
+  for (const char* options : {"--output", "--size 0x5 --output a.png",
+                              "--size 5x16385 --output a.png", "--nothing at", "a"}) {
     const int status = std::system((program + " " + options + " 2>/dev/null").c_str());
     EXPECT_EQ(WEXITSTATUS(status), 2) << options;
   }
+}
+
+TEST(ExampleOptions, HelpIsNoError) {
+  const std::string program = "env -u DISPLAY " + example_program("02_primitives");
+  EXPECT_EQ(std::system((program + " --help | grep -q '^usage: '").c_str()), 0);
+  EXPECT_EQ(WEXITSTATUS(std::system((program + " --help >/dev/null").c_str())), 0);
 }
 
 TEST(ExampleOptions, WithoutADisplayAndAnOutputThereIsAnError) {

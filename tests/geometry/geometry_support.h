@@ -2,8 +2,6 @@
 
 #include <orv/geometry/mesh_data.h>
 
-#include <vector>
-
 namespace orv::test {
 
 /// How vertices are kept, for tests that must hold for all forms.

@@ -9,8 +9,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/held.h"
 #include "support/log_capture.h"
 #include "support/recording_renderer.h"

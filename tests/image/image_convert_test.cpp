@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <tuple>
-#include <vector>
 
 namespace orv {
 namespace {

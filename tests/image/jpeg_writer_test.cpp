@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string>
 #include <vector>
 
 namespace orv {

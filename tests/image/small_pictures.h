@@ -3,7 +3,6 @@
 #include "image/test_files.h"
 
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
 #include <string>

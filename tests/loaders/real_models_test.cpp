@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
-#include <set>
 #include <string>
 
 namespace orv::test {

@@ -2,7 +2,6 @@
 
 #include <lib3ds/chunk.h>
 
-#include <cstdint>
 #include <cstring>
 #include <initializer_list>
 #include <string>

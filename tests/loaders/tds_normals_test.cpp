@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 

@@ -13,8 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace orv {
 namespace {
 

@@ -8,7 +8,6 @@
 #include <orv/services/opencl_plugin.h>
 
 #include <cctype>
-#include <numeric>
 #include <string>
 
 #include "module_support.h"

@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <set>
-#include <type_traits>
 
 #include <orv/render/offscreen_window.h>
 

@@ -3,11 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <orv/core/thread.h>
 #include <orv/geometry/primitives/mesh_box.h>

@@ -6,9 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "scene/object_witness.h"
 #include "support/held.h"
 #include "support/log_capture.h"

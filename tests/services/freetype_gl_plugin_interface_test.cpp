@@ -9,7 +9,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <string>
 
 #include "services/loaded_module.h"
 #include "support/held.h"

@@ -19,9 +19,7 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <memory>
 #include <string>
-#include <thread>
 
 namespace orv {
 namespace {

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "services/fake_camera.h"

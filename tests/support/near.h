@@ -9,7 +9,6 @@
 
 #include <cmath>
 #include <cstddef>
-#include <string>
 
 namespace orv::test {
 

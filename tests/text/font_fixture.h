@@ -12,7 +12,6 @@
 #include <orv/text/font.h>
 #include <orv/text/font_data.h>
 
-#include <string>
 #include <vector>
 
 #include "image/test_files.h"

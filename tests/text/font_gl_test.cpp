@@ -7,7 +7,6 @@
 #include <orv/text/font.h>
 #include <orv/text/font_data.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <functional>

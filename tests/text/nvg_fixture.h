@@ -5,9 +5,7 @@
 
 #include <orv/text/nvg.h>
 
-#include <cmath>
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 

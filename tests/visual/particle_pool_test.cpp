@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "support/log_capture.h"
 #include "support/recording_renderer.h"
 

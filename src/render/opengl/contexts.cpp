@@ -3,7 +3,6 @@
 
 #include <utility>
 
-#include "render/opengl/core_lines.h"
 #include "render/opengl/renderer_opengl.h"
 
 namespace orv {

@@ -6,7 +6,6 @@
 #include <bit>
 #include <cstdint>
 
-#include "render/opengl/gl_draw_enums.h"
 #include "render/opengl/renderer_opengl.h"
 
 namespace orv {

@@ -1,7 +1,6 @@
 // Limits of the driver, and the memory of GPUs.
 
 #include "render/opengl/renderer_opengl.h"
-#include "render/window/context.h"
 
 namespace orv {
 namespace {

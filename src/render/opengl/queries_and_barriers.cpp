@@ -1,5 +1,4 @@
 // Queries of what the GPU did, and barriers between its accesses to memory.
-#include <cstring>
 
 #include "render/opengl/gl_draw_enums.h"
 #include "render/opengl/renderer_opengl.h"

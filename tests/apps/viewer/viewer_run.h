@@ -3,7 +3,6 @@
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 #include "support/temp_folder.h"

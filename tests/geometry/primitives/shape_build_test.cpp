@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 
 #include "geometry/geometry_support.h"
 #include "geometry/primitives/shape_support.h"

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <set>
-#include <string>
 #include <vector>
 
 #include "support/held.h"

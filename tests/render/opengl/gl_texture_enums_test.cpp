@@ -3,8 +3,6 @@
 #include <GL/glext.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 using namespace orv;
 using namespace orv::detail;
 

@@ -1,7 +1,5 @@
 #include <orv/gpu/gpu_buffer_data.h>
 
-#include <cstring>
-
 #include "render/opengl/gl_fixture.h"
 
 using namespace orv;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 #include <type_traits>
 
 #include "render/opengl/renderer_opengl.h"

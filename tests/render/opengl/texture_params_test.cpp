@@ -1,7 +1,5 @@
 #include <orv/gpu/texture_data.h>
 
-#include <cmath>
-
 #include "render/opengl/fake_gl_fixture.h"
 
 using namespace orv;

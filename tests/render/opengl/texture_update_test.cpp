@@ -1,8 +1,6 @@
 #include <orv/gpu/texture.h>
 #include <orv/gpu/texture_data.h>
 
-#include <cstring>
-
 #include "render/opengl/fake_gl_fixture.h"
 #include "support/log_capture.h"
 
