@@ -3,6 +3,7 @@
 #include <xmmintrin.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "geometry/face_access.h"
 
