@@ -166,7 +166,9 @@ void Polyline::set_vertices_color(float r, float g, float b, float a, Node* node
 
 void Polyline::set_vertices_color(const vec4& color, Node* node) {
   const unsigned int n = get_num_vertices(nullptr);
-  for (unsigned int i = 0; i < n; ++i) polyline_data_->set_color(i, color);
+  // Without colours, or after an allocation that failed, the first is refused and so is the rest.
+  for (unsigned int i = 0; i < n && polyline_data_->set_color(i, color); ++i) {
+  }
   Object::set_vertices_color(color, node);
 }
 

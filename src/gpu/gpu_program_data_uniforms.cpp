@@ -19,8 +19,10 @@ bool has_subroutines(GPU_SHADER_TYPE type) {
   return type >= 0 && type < static_cast<int>(GpuProgramData::NUM_SUBROUTINE_STAGES);
 }
 
+bool is_vector(int elements) { return elements >= 1 && elements <= 4; }
+
 GPU_SHADER_UNIFORM type_of(GPU_SHADER_UNIFORM first, int elements) {
-  return static_cast<GPU_SHADER_UNIFORM>(first + elements - 1);
+  return is_vector(elements) ? static_cast<GPU_SHADER_UNIFORM>(first + elements - 1) : first;
 }
 
 template <class T>
@@ -41,8 +43,6 @@ void store_changed(GpuProgramUniform* uniform, bool fresh, T* target, const T* v
 bool has_key(const char* name) { return name != nullptr; }
 
 bool has_key(unsigned int offset) { return offset != GpuProgramUniform::NO_OFFSET; }
-
-bool is_vector(int elements) { return elements >= 1 && elements <= 4; }
 
 }  // namespace
 

@@ -65,11 +65,13 @@ bool fill_noise(Image& image, unsigned int num_points, const Pixel<T, CHANNELS>&
   if (!fill_color(image, background)) return false;
   T* store = ImageAccess::pointer<T>(image);
   const std::size_t reachable = detail::reachable_pixels<T>(image, sizeof(point));
-  const std::uint64_t count = std::min<std::uint64_t>(num_points, detail::pixel_count(image));
+  // A store smaller than the sizes gets points for its own pixels: the sizes alone may say
+  // anything.
+  const std::size_t count = std::min<std::size_t>(num_points, reachable);
   const float width = static_cast<float>(image.width);
   const float height = static_cast<float>(image.height);
   Math::srnd(seed);
-  for (std::uint64_t i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const std::uint64_t x = static_cast<std::uint64_t>(Math::rnd(0.0f, width));
     const std::uint64_t y = static_cast<std::uint64_t>(Math::rnd(0.0f, height));
     const std::uint64_t index = x + image.width * y;

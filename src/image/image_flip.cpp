@@ -60,7 +60,7 @@ void reverse_rows(unsigned char* pixels, std::size_t width, std::size_t height) 
 bool Image::flip_vertical() {
   FlipStore store;
   if (!open_flip_store(*this, &store)) return false;
-  if (height < 2) return true;
+  if (height < 2 || width == 0) return true;
   if (!store.is_whole) return false;
   const std::size_t row_bytes = width * store.pixel_size;
   for (std::size_t y = 0; y < height / 2; ++y) {
@@ -74,7 +74,7 @@ bool Image::flip_vertical() {
 bool Image::flip_horizontal() {
   FlipStore store;
   if (!open_flip_store(*this, &store)) return false;
-  if (height == 0) return true;
+  if (height == 0 || width == 0) return true;
   if (!store.is_whole) return false;
   switch (store.pixel_size) {
     case 1:

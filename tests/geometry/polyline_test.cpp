@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "support/held.h"
 #include "support/log_capture.h"
 #include "support/recording_renderer.h"
@@ -79,6 +81,14 @@ TEST(Polyline, AllocationFailuresAreReported) {
   EXPECT_FALSE(line->initialize(0xFFFFFFFFu, LINE_RENDER_LINES));
   EXPECT_EQ(log.count("num_vertices is 0"), 2);
   EXPECT_EQ(log.count("std::bad_alloc"), 1);
+}
+
+TEST(Polyline, ColoringWhatCouldNotBeAllocatedIsNoWork) {
+  const Held<Polyline> polyline;
+  ASSERT_FALSE(polyline->alloc_vertex_data(0xFFFFFFFFu));
+  const auto start = std::chrono::steady_clock::now();
+  polyline->set_vertices_color(1.0f, 0.0f, 0.0f, 1.0f, nullptr);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST(Polyline, SharedDataLivesUntilItsLastHolder) {

@@ -225,6 +225,11 @@ TEST_F(GpuProgramDataValues, NullValuesAndEmptyArraysStoreNothing) {
   EXPECT_TRUE(data._set_uniform_fv("u", 1, 5, f));
   EXPECT_TRUE(data._set_uniform_f("u", 5, f));
   EXPECT_TRUE(data._set_uniform_i("u", 1, nullptr));
+  const int i[4] = {};
+  for (const int elements : {-1, 0, std::numeric_limits<int>::min()}) {
+    EXPECT_TRUE(data._set_uniform_i("u", elements, i));
+    EXPECT_TRUE(data._set_uniform_fv("u", 1, elements, f));
+  }
   EXPECT_EQ(data.find_uniform("u"), nullptr);
 }
 

@@ -137,6 +137,17 @@ TEST(ImageFill, NoiseDrawsNoMorePointsThanPixels) {
   EXPECT_GE(count_points(image, 1), 1u);
 }
 
+TEST(ImageFill, NoiseDrawsNoMorePointsThanTheBlockHas) {
+  Image image;
+  ASSERT_TRUE(image.create(4, 4, 1, PF_R_U8, true, true));
+  image.create(0xFFFFFFFFu, 0xFFFFFFFFu, 1, PF_R_U8, false, false);
+  ASSERT_TRUE(image.fill_with_noise_r_u8(0xFFFFFFFFu, 0, 1, 7));
+  const float next = Math::rnd(0, 1);
+  Math::srnd(7);
+  for (int i = 0; i < 2 * 16; ++i) Math::rnd(0, 1);
+  EXPECT_EQ(next, Math::rnd(0, 1));
+}
+
 TEST(ImageFill, NoiseFacadeScalesColoursToBytes) {
   for (const PIXEL_FORMAT format : {PF_RGB_U8, PF_BGR_U8, PF_RGBA_U8, PF_BGRA_U8}) {
     Image image;

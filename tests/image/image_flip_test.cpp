@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <vector>
 
@@ -132,6 +133,15 @@ TEST(ImageFlip, WhereNothingIsSwappedTheSizeOfTheBlockDoesNotMatter) {
   EXPECT_FALSE(image.flip_horizontal());
   image.create(4, 0, 1, PF_RGBA_U8, false, false);
   EXPECT_TRUE(image.flip_horizontal());
+}
+
+TEST(ImageFlip, AsManyEmptyRowsAsThereCanBeAreNoWork) {
+  Image image;
+  ASSERT_TRUE(image.create(0, 0xFFFFFFFFu, 1, PF_RGB_U8, true, true));
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(image.flip_vertical());
+  EXPECT_TRUE(image.flip_horizontal());
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST(ImageFlip, ABlockTooSmallForTheSizesIsLeftAlone) {
