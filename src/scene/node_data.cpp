@@ -52,11 +52,10 @@ void ChildList::clear() {
 void ChildList::forget(const Node* child) {
   const auto place = std::find(nodes_.begin(), nodes_.end(), child);
   if (place == nodes_.end()) return;
-  // A list without owner is being walked by index: its entries keep their places.
-  if (owner_) {
-    nodes_.erase(place);
-  } else {
+  if (keeps_places_) {
     *place = nullptr;
+  } else {
+    nodes_.erase(place);
   }
 }
 

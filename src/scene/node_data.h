@@ -13,21 +13,22 @@ namespace orv {
 // dies can leave every list it is in.
 class ChildList {
  public:
-  explicit ChildList(Node* owner) : owner_(owner) {}
+  explicit ChildList(Node* owner) : ChildList(owner, !owner) {}
+  ChildList(Node* owner, bool keeps_places) : owner_(owner), keeps_places_(keeps_places) {}
   ~ChildList() { clear(); }
   ChildList(const ChildList&) = delete;
   ChildList& operator=(const ChildList&) = delete;
 
-  // Node whose children these are; null for a list that only `release` walks.
+  // Node whose children these are; null for a list outside the tree.
   Node* owner() const { return owner_; }
   unsigned int size() const { return static_cast<unsigned int>(nodes_.size()); }
-  // Null past the end, and for a child that has died in a list without owner.
+  // Null past the end, and for a child that has died in a list that keeps places.
   Node* at(unsigned int i) const { return i < nodes_.size() ? nodes_[i] : nullptr; }
 
   void append(Node* child);
   // Takes out the first entry of `child`. False when there is none.
   bool remove(Node* child);
-  // Takes out entry `i` of a list without owner, leaving null, and returns it.
+  // Takes out entry `i` of a list that keeps places, leaving null, and returns it.
   Node* take(unsigned int i);
   // Becomes what `other` was, which is empty afterwards.
   void take_all(ChildList& other);
@@ -37,6 +38,7 @@ class ChildList {
 
  private:
   Node* owner_;
+  bool keeps_places_;  // being walked by index
   std::vector<Node*> nodes_;
 };
 

@@ -202,6 +202,19 @@ TEST_F(SceneTest, AModelInTheTreeLeavesItWhenKilled) {
   EXPECT_EQ(scene.get_root()->get_num_children(), 0u);
 }
 
+TEST_F(SceneTest, WhatEndsInATreeOfItsOwnLeavesTheLists) {
+  Model* model = scene.model_create();
+  Camera* camera = scene.camera_create();
+  Object* group = new Object;
+  group->add_child(model);
+  group->add_child(camera);
+  EXPECT_EQ(group->release(nullptr, nullptr), 0);
+  EXPECT_EQ(scene.model_get_num(), 0u);
+  EXPECT_EQ(scene.camera_get_num(), 0u);
+  EXPECT_EQ(scene.camera_get_by_index(0), nullptr);
+  scene.model_kill_all(nullptr);
+}
+
 TEST(Scene, DestructorReleasesNeitherRootNorCamerasNorModels) {
   Object* root = nullptr;
   Camera* camera = nullptr;
