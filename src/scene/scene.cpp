@@ -12,10 +12,12 @@
 namespace orv {
 
 struct SceneData {
+  SceneData() { root.append(new Object); }
+
   int id = utils::gen_id();
   std::string name = "scene_" + std::to_string(id);
-  Object* root = new Object;
-  // Neither counts nor owns; what ends in another tree leaves its list.
+  // These neither count nor own; what ends in another tree leaves its list, the root too.
+  ChildList root{nullptr, false};
   ChildList cameras{nullptr, false};
   ChildList models{nullptr, false};
 };
@@ -69,11 +71,12 @@ const char* Scene::get_name() const { return data_->name.c_str(); }
 
 // ---- tree -----------------------------------------------------------------------------------
 
-Object* Scene::get_root() const { return data_->root; }
+Object* Scene::get_root() const { return at<Object>(data_->root, 0); }
 
 bool Scene::add_node(Node* node) {
-  if (!node) return false;
-  data_->root->add_child(node);
+  Object* root = get_root();
+  if (!node || !root) return false;
+  root->add_child(node);
   return true;
 }
 
@@ -84,8 +87,8 @@ bool Scene::remove_node(Node* node) {
 }
 
 Node* Scene::get_node(int id, Node* node) {
-  Node* start = node ? node : data_->root;
-  return start->find_child(id, start);
+  Node* start = node ? node : get_root();
+  return start ? start->find_child(id, start) : nullptr;
 }
 
 // ---- cameras --------------------------------------------------------------------------------

@@ -19,7 +19,9 @@ using test::Held;
 /// A scene whose root goes with it; the scene itself releases nothing.
 class SceneTest : public testing::Test {
  protected:
-  ~SceneTest() override { scene.get_root()->release(nullptr, nullptr); }
+  ~SceneTest() override {
+    if (Object* root = scene.get_root()) root->release(nullptr, nullptr);
+  }
   Scene scene;
 };
 
@@ -213,6 +215,17 @@ TEST_F(SceneTest, WhatEndsInATreeOfItsOwnLeavesTheLists) {
   EXPECT_EQ(scene.camera_get_num(), 0u);
   EXPECT_EQ(scene.camera_get_by_index(0), nullptr);
   scene.model_kill_all(nullptr);
+}
+
+TEST_F(SceneTest, ARootThatEndsInAnotherTreeIsGone) {
+  Object* group = new Object;
+  Object* child = new Object;
+  group->add_child(scene.get_root());
+  EXPECT_EQ(group->release(nullptr, nullptr), 0);
+  EXPECT_EQ(scene.get_root(), nullptr);
+  EXPECT_FALSE(scene.add_node(child));
+  EXPECT_EQ(scene.get_node(child->get_id(), nullptr), nullptr);
+  child->release(nullptr, nullptr);
 }
 
 TEST(Scene, DestructorReleasesNeitherRootNorCamerasNorModels) {

@@ -34,7 +34,7 @@ class ORV_API Scene {
   void set_name(const char* name);
   /// The name, valid until the next set_name; never null.
   const char* get_name() const;
-  /// The root, released by SceneMgr::kill_scene.
+  /// The root, released by SceneMgr::kill_scene; null once it has ended in another tree.
   Object* get_root() const;
 
   /// Adds a child to the root, which takes a reference. False for null.
