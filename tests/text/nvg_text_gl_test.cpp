@@ -274,6 +274,11 @@ TEST_P(NvgText, AnyBytesAreText) {
   EXPECT_GT(count_lit(), 100);
 }
 
+TEST_P(NvgText, FirstTextMayHaveNoGlyph) {
+  frame([] { nvg::text_draw(12, "sans", nvg::ALIGN_LEFT, 0, 60, 1, 1, 1, 1, "\xF0"); });
+  EXPECT_EQ(count_lit(), 0);
+}
+
 // ---- widgets ----
 
 struct Widget {

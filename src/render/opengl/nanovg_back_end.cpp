@@ -173,6 +173,13 @@ int get_texture_size(void* pointer, int image, int* width, int* height) {
   return glnvg__renderGetTextureSize(pointer, image, width, height);
 }
 
+// Text without a glyph has no triangles, and would be copied to vertices that are not there yet.
+void render_triangles(void* pointer, NVGpaint* paint, NVGcompositeOperationState operation,
+                      NVGscissor* scissor, const NVGvertex* vertices, int count, float fringe) {
+  if (count <= 0) return;
+  glnvg__renderTriangles(pointer, paint, operation, scissor, vertices, count, fringe);
+}
+
 void flush(void* pointer) {
   const GlVectorContext& context = *as_context(pointer);
   const bool usable = is_usable(context);
@@ -200,7 +207,7 @@ NVGparams back_end_params(GlVectorContext* context, int flags) {
   params.renderFlush = flush;
   params.renderFill = glnvg__renderFill;
   params.renderStroke = glnvg__renderStroke;
-  params.renderTriangles = glnvg__renderTriangles;
+  params.renderTriangles = render_triangles;
   params.renderDelete = glnvg__renderDelete;
   return params;
 }
