@@ -37,7 +37,7 @@ class ORV_API Scene {
   /// The root, released by SceneMgr::kill_scene; null once it has ended in another tree.
   Object* get_root() const;
 
-  /// Adds a child to the root, which takes a reference. False for null.
+  /// Adds a child to the root, which takes a reference. False for null and without a root.
   bool add_node(Node* node);
   /// Clears the node's parent and leaves it in the root's list with its reference;
   /// Node::remove_child takes it out. False for null.
